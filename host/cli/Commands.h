@@ -1,0 +1,20 @@
+// The tzorep program's commands. main.cpp parses the global options and
+// dispatches; each command lives in its own source file.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace paratzorep::cli {
+
+struct Contexto {
+    std::filesystem::path home;  // --home DIR, TZOREP_HOME, or the default
+};
+
+// Each returns the process exit status: 0 done, 1 failed (message on stderr),
+// 2 usage error. `args` holds the words after the command's own name.
+int cmdDb(const Contexto& ctx, const std::vector<std::string>& args);      // db start|stop|status (CmdDb.cpp)
+int cmdDbDemo(const Contexto& ctx, const std::vector<std::string>& args);  // db demo [--scale N] [--seed S] (CmdDemo.cpp)
+
+}  // namespace paratzorep::cli
