@@ -16,5 +16,6 @@ struct Contexto {
 // 2 usage error. `args` holds the words after the command's own name.
 int cmdDb(const Contexto& ctx, const std::vector<std::string>& args);      // db start|stop|status (CmdDb.cpp)
 int cmdDbDemo(const Contexto& ctx, const std::vector<std::string>& args);  // db demo [--scale N] [--seed S] (CmdDemo.cpp)
+int cmdList(const Contexto& ctx, const std::vector<std::string>& args);    // list (CmdList.cpp)
 
 }  // namespace paratzorep::cli
