@@ -1,0 +1,121 @@
+#!/usr/bin/python3
+"""Independent readers for the writer tests: each mode reads a file with a library that
+shares no code with ours and prints what it found, one item a line, tab separated.
+
+  lector.py xls ARCHIVO [MAX]      sheets and cells through xlrd (BIFF8)
+  lector.py xlsx ARCHIVO [MAX]     sheets and cells through openpyxl
+  lector.py cfb ARCHIVO NOMBRE=ESPERADO...   streams through xlrd's compound-file reader
+  lector.py csv ARCHIVO            rows through Python's csv module
+
+MAX limits the cells printed per sheet to the first and last MAX rows."""
+import csv
+import datetime
+import sys
+
+
+def esc(v):
+    return str(v).replace("\\", "\\\\").replace("\t", "\\t").replace("\n", "\\n").replace("\r", "\\r")
+
+
+def filas_a_mostrar(n, maximo):
+    if maximo is None or n <= 2 * maximo:
+        return range(n)
+    return list(range(maximo)) + list(range(n - maximo, n))
+
+
+def xls(ruta, maximo):
+    import xlrd
+    libro = xlrd.open_workbook(ruta, formatting_info=True)
+    print("LIBRO", libro.nsheets, libro.codepage, sep="\t")
+    for hoja in libro.sheets():
+        anchos = [str(hoja.colinfo_map[c].width) if c in hoja.colinfo_map else "-"
+                  for c in range(hoja.ncols)]
+        print("HOJA", esc(hoja.name), hoja.nrows, hoja.ncols, ",".join(anchos), sep="\t")
+        for r in filas_a_mostrar(hoja.nrows, maximo):
+            for c in range(hoja.ncols):
+                celda = hoja.cell(r, c)
+                if celda.ctype == xlrd.XL_CELL_EMPTY:
+                    continue
+                xf = libro.xf_list[celda.xf_index]
+                formato = libro.format_map[xf.format_key].format_str
+                negrita = libro.font_list[xf.font_index].bold
+                tipo = {xlrd.XL_CELL_NUMBER: "numero", xlrd.XL_CELL_TEXT: "texto",
+                        xlrd.XL_CELL_DATE: "fecha"}.get(celda.ctype, str(celda.ctype))
+                valor = celda.value
+                if tipo == "fecha":
+                    valor = xlrd.xldate.xldate_as_datetime(valor, libro.datemode).isoformat()
+                elif tipo == "numero":
+                    valor = repr(valor)
+                print("CELDA", r, c, tipo, esc(valor), esc(formato), int(bool(negrita)), sep="\t")
+
+
+def xlsx(ruta, maximo):
+    import openpyxl
+    libro = openpyxl.load_workbook(ruta, read_only=False)
+    print("LIBRO", len(libro.worksheets), sep="\t")
+    for hoja in libro.worksheets:
+        nf, nc = hoja.max_row, hoja.max_column
+        anchos = []
+        for c in range(1, nc + 1):
+            letra = openpyxl.utils.get_column_letter(c)
+            dim = hoja.column_dimensions.get(letra)
+            anchos.append(str(round(dim.width, 2)) if dim is not None and dim.width else "-")
+        print("HOJA", esc(hoja.title), nf, nc, ",".join(anchos), sep="\t")
+        for r in filas_a_mostrar(nf, maximo):
+            for c in range(nc):
+                celda = hoja.cell(row=r + 1, column=c + 1)
+                v = celda.value
+                if v is None:
+                    continue
+                if isinstance(v, datetime.datetime):
+                    tipo, valor = "fecha", v.isoformat()
+                elif isinstance(v, (int, float)) and not isinstance(v, bool):
+                    tipo, valor = "numero", repr(float(v))
+                elif isinstance(v, str) and v.startswith("="):
+                    tipo, valor = "formula", v
+                else:
+                    tipo, valor = "texto", v
+                print("CELDA", r, c, tipo, esc(valor), esc(celda.number_format),
+                      int(bool(celda.font.b)), sep="\t")
+
+
+def cfb(ruta, pares):
+    from xlrd import compdoc
+    with open(ruta, "rb") as f:
+        datos = f.read()
+    doc = compdoc.CompDoc(datos, logfile=sys.stderr)
+    for par in pares:
+        nombre, esperado = par.split("=", 1)
+        with open(esperado, "rb") as f:
+            contenido = f.read()
+        leido = doc.get_named_stream(nombre)
+        if leido is None:
+            print("FLUJO", nombre, "falta", sep="\t")
+        else:
+            print("FLUJO", nombre, len(leido), "igual" if leido == contenido else "distinto",
+                  sep="\t")
+
+
+def csv_(ruta):
+    with open(ruta, newline="", encoding="utf-8-sig") as f:
+        for fila in csv.reader(f, strict=True):
+            print("FILA", *[esc(v) for v in fila], sep="\t")
+
+
+def main():
+    modo, ruta = sys.argv[1], sys.argv[2]
+    resto = sys.argv[3:]
+    if modo == "xls":
+        xls(ruta, int(resto[0]) if resto else None)
+    elif modo == "xlsx":
+        xlsx(ruta, int(resto[0]) if resto else None)
+    elif modo == "cfb":
+        cfb(ruta, resto)
+    elif modo == "csv":
+        csv_(ruta)
+    else:
+        sys.exit("modo desconocido: " + modo)
+
+
+if __name__ == "__main__":
+    main()
