@@ -1,0 +1,28 @@
+// A generic host object handed to the component (the registry helper DelRegistro and the like):
+// properties read and written by name, nothing else is known of it.
+#pragma once
+
+#include <map>
+#include <string>
+
+namespace paratzorep::host {
+
+class Objeto {
+  public:
+    virtual ~Objeto() = default;
+
+    // Sets a property by name.
+    virtual void Propiedad(const std::string& nombre, const std::string& valor) {
+        propiedades_[nombre] = valor;
+    }
+    // Reads a property by name; "" when it was never set.
+    virtual std::string Propiedad(const std::string& nombre) const {
+        auto it = propiedades_.find(nombre);
+        return it == propiedades_.end() ? std::string() : it->second;
+    }
+
+  private:
+    std::map<std::string, std::string> propiedades_;
+};
+
+}  // namespace paratzorep::host
