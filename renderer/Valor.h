@@ -6,7 +6,7 @@
 //  - each character of the Basic Multilingual Plane is replaced by its weight
 //    (the upper-case base letter for most Latin, Greek and Cyrillic letters:
 //    'a', 'A', 'á', 'Á', 'ä' all weigh 'A'; 'ñ' weighs 'N'; 'ß' weighs 'S');
-//    the table is the server's own (WEIGHT_STRING), see renderer/ColacionGeneral.inc;
+//    the table is the server's own (WEIGHT_STRING), see renderer/formula/ColacionGeneral.inc;
 //  - characters beyond the BMP all weigh U+FFFD, as in the server;
 //  - trailing spaces are ignored (PAD SPACE): 'abc' = 'abc  ';
 //  - invalid UTF-8 bytes compare as raw bytes after any valid text.
@@ -70,12 +70,12 @@ struct FechaHora {
 // A value of the wrong kind for an operation (adding a date to a text, asking a
 // number of a text ...). The message is in Spanish and names the kinds.
 class ErrorValor : public std::runtime_error {
-public:
+  public:
     using std::runtime_error::runtime_error;
 };
 
 class Valor {
-public:
+  public:
     enum class Tipo { Nulo, Numero, Texto, Fecha, FechaHora, Hora, Booleano };
 
     Valor() = default;  // null
@@ -110,7 +110,7 @@ public:
 
     static const char* nombreTipo(Tipo t);
 
-private:
+  private:
     using Dato = std::variant<std::monostate, double, std::string, Fecha, FechaHora, Hora, bool>;
     explicit Valor(Dato d) : dato_(std::move(d)) {}
     Dato dato_;

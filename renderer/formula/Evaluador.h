@@ -12,7 +12,7 @@ namespace paratzorep::renderer::formula {
 // current row's fields, the template's named formulas (with the request's
 // assignments), the parameters and the group summaries it accumulates.
 class Contexto {
-public:
+  public:
     virtual ~Contexto() = default;
 
     // The value of {tabla.campo} in the current row. Names compare without regard

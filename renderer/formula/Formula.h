@@ -41,7 +41,7 @@ struct Tramo {
 // e.g. "Error en la fórmula, línea 1, columna 14: se esperaba ')' y se encontró
 // 'and'".
 class ErrorFormula : public std::runtime_error {
-public:
+  public:
     ErrorFormula(const Tramo& donde, std::string detalle, std::string token = {});
     const Tramo& donde() const { return donde_; }
     int linea() const { return donde_.linea; }
@@ -49,22 +49,22 @@ public:
     const std::string& detalle() const { return detalle_; }  // the message after the position
     const std::string& token() const { return token_; }      // the offending text, if any
 
-private:
+  private:
     Tramo donde_;
     std::string detalle_;
     std::string token_;
 };
 
 enum class TipoNodo {
-    Literal,      // valor
-    Campo,        // tabla, nombre
-    RefFormula,   // nombre
-    Parametro,    // nombre
-    Unario,       // op ("-", "not"), hijos[0]
-    Binario,      // op ("+","-","*","/","&","=","<>","<",">","<=",">=","in","and","or"), hijos[0..1]
-    Lista,        // [a, b, ...]: hijos
-    Si,           // if hijos[0] then hijos[1] else hijos[2] (hijos.size()==2 without else)
-    Funcion,      // nombre (canonical spelling, e.g. "ToText"), hijos = arguments
+    Literal,     // valor
+    Campo,       // tabla, nombre
+    RefFormula,  // nombre
+    Parametro,   // nombre
+    Unario,      // op ("-", "not"), hijos[0]
+    Binario,     // op ("+","-","*","/","&","=","<>","<",">","<=",">=","in","and","or"), hijos[0..1]
+    Lista,       // [a, b, ...]: hijos
+    Si,          // if hijos[0] then hijos[1] else hijos[2] (hijos.size()==2 without else)
+    Funcion,     // nombre (canonical spelling, e.g. "ToText"), hijos = arguments
 };
 
 // Group summaries, evaluated by the context.
@@ -98,7 +98,7 @@ struct RefResumen {
 
 // A parsed formula: its source text and its tree.
 class Formula {
-public:
+  public:
     Formula() = default;
     Formula(std::string fuente, std::unique_ptr<Nodo> raiz);
 
@@ -115,7 +115,7 @@ public:
     // Every group summary, in order of appearance.
     std::vector<RefResumen> resumenes() const;
 
-private:
+  private:
     std::string fuente_;
     std::unique_ptr<Nodo> raiz_;
 };

@@ -31,8 +31,8 @@ namespace paratzorep::renderer::formula {
 enum class Dialecto { MariaDB, SQLite };
 
 struct Traduccion {
-    std::string sql;                  // the pushed condition; empty when nothing went
-    std::vector<const Nodo*> resto;   // the parts kept for memory, all to be True
+    std::string sql;                 // the pushed condition; empty when nothing went
+    std::vector<const Nodo*> resto;  // the parts kept for memory, all to be True
     bool completa() const { return resto.empty(); }
 };
 
