@@ -26,3 +26,26 @@ class Objeto {
 };
 
 }  // namespace paratzorep::host
+
+namespace paratzorep::host {
+
+// A window the host shows (report forms, dialogs): its name, caption and position in pixels.
+// Skins and saved window positions work on this.
+class Ventana {
+  public:
+    virtual ~Ventana() = default;
+
+    // The window's class name ("RepAdmCxC").
+    virtual std::string Nombre() const = 0;
+    std::string Caption;
+    int Left = 0;
+    int Top = 0;
+    int Width = 0;
+    int Height = 0;
+    // 0 normal, 1 minimised, 2 maximised.
+    int WindowState = 0;
+    // The skin applied last ("" when none).
+    std::string Piel;
+};
+
+}  // namespace paratzorep::host
