@@ -1,10 +1,19 @@
 // The private MariaDB server that the project runs under its home folder when no
 // other server is configured: started with `mariadbd --no-defaults ...`, its own
 // data folder, socket and a free 127.0.0.1 port, utf8mb4, zero dates allowed.
+//
+// Files in the home folder:
+//   mariadb/          the data folder (initialised on the first start)
+//   mariadb.sock      the socket (or a short folder under /tmp, see rutaSocket)
+//   mariadbd.pid      the server's pid file
+//   mariadbd.err      the server's error log
+//   servidor.conf     user, password, port and socket of the running server (0600)
+//   servidor.lock     held while a start or a stop is in progress
 #pragma once
 
 #include <filesystem>
 #include <optional>
+#include <stdexcept>
 #include <string>
 
 namespace paratzorep::data {
@@ -15,9 +24,9 @@ namespace paratzorep::data {
 struct DatosServidor {
     std::string host = "127.0.0.1";
     int puerto = 0;
-    std::string socket;      // full path of the server's socket
-    std::string usuario;     // application user
-    std::string password;    // its password
+    std::string socket;    // full path of the server's socket
+    std::string usuario;   // application user
+    std::string password;  // its password
 };
 
 // State of the server of one home folder.
@@ -27,8 +36,21 @@ struct EstadoServidor {
     std::optional<DatosServidor> datos;  // set when running
 };
 
+// A failure to start, stop or query the private server. what() is the message
+// for the user (Spanish); registro() holds the tail of the server's error log
+// when the server itself failed.
+class ErrorServidor : public std::runtime_error {
+  public:
+    explicit ErrorServidor(const std::string& mensaje, std::string registro = {})
+        : std::runtime_error(mensaje), registro_(std::move(registro)) {}
+    const std::string& registro() const { return registro_; }
+
+  private:
+    std::string registro_;
+};
+
 class ServidorPrivado {
-public:
+  public:
     // home: the tzorep home folder (TZOREP_HOME, default ~/.local/share/tzorep).
     explicit ServidorPrivado(std::filesystem::path home);
 
@@ -36,16 +58,21 @@ public:
     static std::filesystem::path homePorDefecto();
 
     // Initialises the data folder on first use, starts the server and waits until
-    // it accepts connections. Throws std::runtime_error with a clear message when
-    // a server already runs on this home or the start fails.
+    // it accepts connections. Throws ErrorServidor (a std::runtime_error) with a
+    // clear message when a server already runs on this home or the start fails.
     DatosServidor iniciar();
     // Stops a running server and waits for it to end; false when none was running.
     bool detener();
     EstadoServidor estado() const;
 
     const std::filesystem::path& home() const { return home_; }
+    std::filesystem::path carpetaDatos() const { return home_ / "mariadb"; }
+    std::filesystem::path archivoConexion() const { return home_ / "servidor.conf"; }
+    std::filesystem::path registroErrores() const { return home_ / "mariadbd.err"; }
+    // The socket's path: in the home, or under /tmp when that path is too long.
+    std::filesystem::path rutaSocket() const;
 
-private:
+  private:
     std::filesystem::path home_;
 };
 
