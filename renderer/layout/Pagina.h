@@ -47,17 +47,17 @@ struct RenglonTexto {
 
 struct ElementoTexto {
     double x = 0, y = 0, ancho = 0, alto = 0;  // the element's box
-    double base = 0;            // distance from the box top to the first line's baseline
-    double interlineado = 0;    // distance between baselines of consecutive lines
-    std::uint16_t fuente = 0;   // index into Documento::fuentes
+    double base = 0;           // distance from the box top to the first line's baseline
+    double interlineado = 0;   // distance between baselines of consecutive lines
+    std::uint16_t fuente = 0;  // index into Documento::fuentes
     Alineacion alineacion = Alineacion::Izquierda;
     TipoBanda tipoBanda = TipoBanda::Detalle;
     std::uint8_t nivelGrupo = 0;  // for group bands: 1 is the outermost group
     std::uint32_t banda = 0;      // the band instance, increasing through the report
     std::uint16_t columna = 0;    // the element's order within its section of the template
     TipoValor tipo = TipoValor::Texto;
-    double numero = 0;          // the value when `tipo` is Numero or Fecha
-    std::string formato;        // the display format applied ("#,##0.00", "dd/mmm/yyyy"), if any
+    double numero = 0;    // the value when `tipo` is Numero or Fecha
+    std::string formato;  // the display format applied ("#,##0.00", "dd/mmm/yyyy"), if any
     std::vector<RenglonTexto> renglones;
 };
 
@@ -73,7 +73,7 @@ struct ElementoCaja {
 };
 
 struct Pagina {
-    int numero = 1;  // 1-based
+    int numero = 1;                     // 1-based
     std::vector<ElementoCaja> cajas;    // drawn first
     std::vector<ElementoLinea> lineas;  // then lines
     std::vector<ElementoTexto> textos;  // then texts

@@ -1,0 +1,733 @@
+#include "renderer/layout/Maquetador.h"
+
+#include <algorithm>
+#include <cmath>
+#include <deque>
+#include <unordered_set>
+
+namespace paratzorep::renderer {
+
+namespace detail {
+
+// One summary element's running state.
+class Acumulador {
+  public:
+    Acumulador(FuncionResumen f, int slot, AmbitoResumen ambito)
+        : funcion_(f), slot_(slot), ambito_(ambito) {}
+
+    int Slot() const { return slot_; }
+    const AmbitoResumen& Ambito() const { return ambito_; }
+    FuncionResumen Funcion() const { return funcion_; }
+
+    void Reinicia() {
+        suma_ = 0;
+        cuenta_ = 0;
+        numericos_ = 0;
+        minimo_ = maximo_ = Valor();
+        distintos_.clear();
+    }
+
+    void Agrega(const Valor& v) {
+        if (v.esNulo()) return;
+        ++cuenta_;
+        switch (funcion_) {
+            case FuncionResumen::Suma:
+            case FuncionResumen::Promedio:
+                if (v.tipo() == Valor::Tipo::Numero) {
+                    suma_ += v.comoNumero();
+                    ++numericos_;
+                }
+                break;
+            case FuncionResumen::Minimo:
+                if (minimo_.esNulo() || compararParaOrden(v, minimo_) < 0) minimo_ = v;
+                break;
+            case FuncionResumen::Maximo:
+                if (maximo_.esNulo() || compararParaOrden(v, maximo_) > 0) maximo_ = v;
+                break;
+            case FuncionResumen::CuentaDistintos:
+                distintos_.insert(Clave(v));
+                break;
+            case FuncionResumen::Cuenta:
+                break;
+        }
+    }
+
+    Valor Resultado() const {
+        switch (funcion_) {
+            case FuncionResumen::Suma:
+                return Valor::numero(suma_);
+            case FuncionResumen::Promedio:
+                return numericos_ ? Valor::numero(suma_ / static_cast<double>(numericos_))
+                                  : Valor();
+            case FuncionResumen::Cuenta:
+                return Valor::numero(static_cast<double>(cuenta_));
+            case FuncionResumen::CuentaDistintos:
+                return Valor::numero(static_cast<double>(distintos_.size()));
+            case FuncionResumen::Minimo:
+                return minimo_;
+            case FuncionResumen::Maximo:
+                return maximo_;
+        }
+        return Valor();
+    }
+
+  private:
+    // Distinct values as the server would group them: texts by collation weight
+    // (case and accents aside, trailing blanks ignored), other kinds by kind and value.
+    static std::string Clave(const Valor& v) {
+        std::string k(1, static_cast<char>('0' + static_cast<int>(v.tipo())));
+        if (v.tipo() == Valor::Tipo::Texto) {
+            std::string_view s = v.comoTexto();
+            while (!s.empty() && s.back() == ' ') s.remove_suffix(1);
+            for (std::size_t i = 0; i < s.size();) {
+                std::uint16_t p = pesoColacion(SiguienteCaracter(s, i));
+                k.push_back(static_cast<char>(p >> 8));
+                k.push_back(static_cast<char>(p & 0xFF));
+            }
+        } else if (v.tipo() == Valor::Tipo::Numero) {
+            double d = v.comoNumero();
+            k.append(reinterpret_cast<const char*>(&d), sizeof d);
+        } else {
+            k += v.aTexto();
+        }
+        return k;
+    }
+
+    FuncionResumen funcion_;
+    int slot_;
+    AmbitoResumen ambito_;
+    double suma_ = 0;
+    std::int64_t cuenta_ = 0;
+    std::int64_t numericos_ = 0;
+    Valor minimo_, maximo_;
+    std::unordered_set<std::string> distintos_;
+};
+
+struct ElementoCompilado {
+    const ElementoPlantilla* el = nullptr;
+    std::uint16_t fuente = 0;
+    MetricaFuente metrica;
+    int slot = -1;        // value slot (Campo, Formula, Parametro)
+    int acumulador = -1;  // Resumen
+    std::uint16_t columna = 0;
+};
+
+struct SeccionCompilada {
+    const SeccionPlantilla* sec = nullptr;
+    TipoBanda tipo = TipoBanda::Detalle;
+    std::uint8_t nivel = 0;
+    std::vector<ElementoCompilado> elementos;
+    bool Vacia() const { return !sec || !sec->presente || sec->elementos.empty(); }
+};
+
+// A band measured and ready to be placed: texts relative to the band's top.
+struct BandaPreparada {
+    double alto = 0;
+    bool suprimida = false;
+    std::vector<ElementoTexto> textos;
+    std::vector<bool> especiales;  // per text: holds {N} / {M}
+    std::vector<ElementoLinea> lineas;
+    std::vector<ElementoCaja> cajas;
+};
+
+double SerieDe(const Fecha& f) {
+    static const std::int64_t base = Fecha{1899, 12, 30}.diaJuliano();
+    return static_cast<double>(f.diaJuliano() - base);
+}
+
+}  // namespace detail
+
+using detail::Acumulador;
+using detail::BandaPreparada;
+using detail::ElementoCompilado;
+using detail::SeccionCompilada;
+
+struct Maquetador::Impl {
+    const Plantilla& p;
+    Medidor& medidor;
+    std::time_t impresion;
+    std::vector<Referencia> referencias;
+    std::vector<Acumulador> acumuladores;
+    std::uint16_t fuenteBase = 0;
+    bool detalleConResumen = false;
+
+    SeccionCompilada encRep, encPag, detalle, piePag, pieRep;
+    std::vector<SeccionCompilada> encGrupo, pieGrupo;
+    std::vector<int> slotGrupo;
+
+    // Layout state
+    ListaPaginas* salida = nullptr;
+    FuenteFilas* fuente = nullptr;
+    std::deque<std::vector<Valor>> adelantadas;  // rows read ahead for keep-together
+    PaginaEnConstruccion pagina;
+    int numeroPagina = 0;
+    double y = 0;
+    double limite = 0;
+    double altoPie = 0;
+    bool contenido = false;
+    std::uint32_t banda = 0;
+    std::int64_t registro = 0;
+    BandaPreparada bp;
+    BandaPreparada bpPagina;  // page header and footer, prepared while `bp` waits
+
+    Impl(const Plantilla& pl, Medidor& m, std::time_t t) : p(pl), medidor(m), impresion(t) {
+        fuenteBase = medidor.Registra(p.fuente);
+        for (const auto& e : p.detalle.elementos)
+            detalleConResumen =
+                detalleConResumen || e.tipo == TipoElemento::Resumen ||
+                (e.tipo == TipoElemento::Especial && e.especial == CampoEspecial::NumeroRegistro);
+        Compila(encRep, p.encabezadoReporte, TipoBanda::EncabezadoReporte, 0);
+        Compila(encPag, p.encabezadoPagina, TipoBanda::EncabezadoPagina, 0);
+        Compila(detalle, p.detalle, TipoBanda::Detalle, 0);
+        Compila(piePag, p.piePagina, TipoBanda::PiePagina, 0);
+        Compila(pieRep, p.pieReporte, TipoBanda::PieReporte, 0);
+        encGrupo.resize(p.grupos.size());
+        pieGrupo.resize(p.grupos.size());
+        for (std::size_t i = 0; i < p.grupos.size(); ++i) {
+            const auto& g = p.grupos[i];
+            auto nivel = static_cast<std::uint8_t>(i + 1);
+            Compila(encGrupo[i], g.encabezado, TipoBanda::EncabezadoGrupo, nivel);
+            Compila(pieGrupo[i], g.pie, TipoBanda::PieGrupo, nivel);
+            slotGrupo.push_back(
+                Slot({g.esFormula ? Referencia::Tipo::Formula : Referencia::Tipo::Campo, g.valor}));
+        }
+    }
+
+    int Slot(const Referencia& r) {
+        for (std::size_t i = 0; i < referencias.size(); ++i)
+            if (referencias[i] == r) return static_cast<int>(i);
+        referencias.push_back(r);
+        return static_cast<int>(referencias.size() - 1);
+    }
+
+    void Compila(SeccionCompilada& sc, const SeccionPlantilla& s, TipoBanda tipo,
+                 std::uint8_t nivel) {
+        sc.sec = &s;
+        sc.tipo = tipo;
+        sc.nivel = nivel;
+        std::uint16_t columna = 0;
+        for (const auto& e : s.elementos) {
+            ElementoCompilado ec;
+            ec.el = &e;
+            ec.columna = columna++;
+            if (e.tipo != TipoElemento::Linea && e.tipo != TipoElemento::Caja) {
+                ec.fuente = medidor.Registra(e.fuente);
+                ec.metrica = medidor.Metrica(ec.fuente);
+            }
+            switch (e.tipo) {
+                case TipoElemento::Campo:
+                    ec.slot = Slot({Referencia::Tipo::Campo, e.valor});
+                    break;
+                case TipoElemento::Formula:
+                    ec.slot = Slot({Referencia::Tipo::Formula, e.valor});
+                    break;
+                case TipoElemento::Parametro:
+                    ec.slot = Slot({Referencia::Tipo::Parametro, e.valor});
+                    break;
+                case TipoElemento::Resumen: {
+                    int slot = Slot(
+                        {e.resumenDeFormula ? Referencia::Tipo::Formula : Referencia::Tipo::Campo,
+                         e.valor});
+                    acumuladores.emplace_back(e.funcion, slot, e.ambito);
+                    ec.acumulador = static_cast<int>(acumuladores.size() - 1);
+                    break;
+                }
+                default:
+                    break;
+            }
+            sc.elementos.push_back(ec);
+        }
+    }
+
+    // ---- texts of elements ----
+
+    static std::string Formatea(const Valor& v, const std::string& formato) {
+        switch (v.tipo()) {
+            case Valor::Tipo::Numero:
+                return formato.empty() ? v.aTexto() : formatearNumero(v.comoNumero(), formato);
+            case Valor::Tipo::Fecha:
+                return formato.empty() ? v.aTexto()
+                                       : formatearFecha(FechaHora{v.comoFecha(), {}}, formato);
+            case Valor::Tipo::FechaHora:
+                return formato.empty() ? v.aTexto() : formatearFecha(v.comoFechaHora(), formato);
+            default:
+                return v.aTexto();
+        }
+    }
+
+    std::string TextoEspecial(const ElementoPlantilla& e) const {
+        std::tm t{};
+        localtime_r(&impresion, &t);
+        FechaHora ahora{{t.tm_year + 1900, t.tm_mon + 1, t.tm_mday},
+                        {t.tm_hour, t.tm_min, t.tm_sec}};
+        switch (e.especial) {
+            case CampoEspecial::NumeroPagina:
+                return e.valor.empty() ? "{N}" : e.valor;
+            case CampoEspecial::TotalPaginas:
+                return e.valor.empty() ? "{M}" : e.valor;
+            case CampoEspecial::PaginaDeTotal:
+                return e.valor.empty() ? "Página {N} de {M}" : e.valor;
+            case CampoEspecial::FechaImpresion:
+                return formatearFecha(ahora, e.formato.empty() ? "dd/mm/yyyy" : e.formato);
+            case CampoEspecial::HoraImpresion:
+                return formatearFecha(ahora, e.formato.empty() ? "hh:nn:ss" : e.formato);
+            case CampoEspecial::NumeroRegistro:
+                return formatearNumero(static_cast<double>(registro),
+                                       e.formato.empty() ? "#,##0" : e.formato);
+        }
+        return {};
+    }
+
+    // Measures a band for the given row values. Texts are broken into lines here, once;
+    // page numbers are put in when the band is placed.
+    void Prepara(const SeccionCompilada& sc, const std::vector<Valor>& vals, BandaPreparada& b) {
+        b.alto = 0;
+        b.suprimida = false;
+        b.textos.clear();
+        b.especiales.clear();
+        b.lineas.clear();
+        b.cajas.clear();
+        if (sc.Vacia()) {
+            b.suprimida = true;
+            return;
+        }
+        const double anchoUtil = p.pagina.AnchoUtil();
+        bool algunValor = false, hayValores = false;
+        double alto = sc.sec->alto;
+        for (const auto& ec : sc.elementos) {
+            const ElementoPlantilla& e = *ec.el;
+            if (e.tipo == TipoElemento::Linea) {
+                b.lineas.push_back({e.x, e.y, e.x2, e.y2, e.grosor});
+                continue;
+            }
+            if (e.tipo == TipoElemento::Caja) {
+                b.cajas.push_back({e.x, e.y, e.ancho, e.alto, e.grosor, e.gris});
+                continue;
+            }
+            ElementoTexto t;
+            t.x = e.x;
+            t.y = e.y;
+            t.ancho = e.ancho > 0 ? e.ancho : std::max(anchoUtil - e.x, 1.0);
+            t.fuente = ec.fuente;
+            t.tipoBanda = sc.tipo;
+            t.nivelGrupo = sc.nivel;
+            t.columna = ec.columna;
+            t.formato = e.formato;
+            t.base = ec.metrica.ascenso;
+            t.interlineado = ec.metrica.AltoLinea();
+            std::string texto;
+            bool especial = false;
+            Valor v;
+            bool conValor = false;
+            try {
+                switch (e.tipo) {
+                    case TipoElemento::Texto:
+                        texto = e.valor;
+                        break;
+                    case TipoElemento::Campo:
+                    case TipoElemento::Formula:
+                    case TipoElemento::Parametro:
+                        v = vals[static_cast<std::size_t>(ec.slot)];
+                        conValor = true;
+                        break;
+                    case TipoElemento::Resumen: {
+                        v = acumuladores[static_cast<std::size_t>(ec.acumulador)].Resultado();
+                        conValor = true;
+                        if (e.formato.empty() && v.tipo() == Valor::Tipo::Numero &&
+                            (e.funcion == FuncionResumen::Cuenta ||
+                             e.funcion == FuncionResumen::CuentaDistintos))
+                            t.formato = "#,##0";
+                        break;
+                    }
+                    case TipoElemento::Especial:
+                        texto = TextoEspecial(e);
+                        especial = texto.find('{') != std::string::npos;
+                        break;
+                    default:
+                        break;
+                }
+                if (conValor) {
+                    texto = Formatea(v, t.formato);
+                    hayValores = true;
+                    if (!texto.empty()) algunValor = true;
+                }
+            } catch (const std::exception& ex) {
+                throw ErrorPlantilla(p.archivo, e.linea, 0,
+                                     std::string("no se pudo mostrar el elemento: ") + ex.what());
+            }
+            if (conValor) {
+                if (v.tipo() == Valor::Tipo::Numero) {
+                    t.tipo = TipoValor::Numero;
+                    t.numero = v.comoNumero();
+                } else if ((v.tipo() == Valor::Tipo::Fecha || v.tipo() == Valor::Tipo::FechaHora) &&
+                           !v.esVacio()) {
+                    t.tipo = TipoValor::Fecha;
+                    FechaHora fh = v.comoFechaHora();
+                    t.numero =
+                        detail::SerieDe(fh.fecha) +
+                        (fh.hora.hora * 3600 + fh.hora.minuto * 60 + fh.hora.segundo) / 86400.0;
+                }
+            }
+            t.alineacion = e.alineacion                  ? *e.alineacion
+                           : t.tipo == TipoValor::Numero ? Alineacion::Derecha
+                                                         : Alineacion::Izquierda;
+            if (!especial)
+                t.renglones = medidor.Parte(t.fuente, texto, t.ancho, t.alineacion, e.crece);
+            else
+                t.renglones.push_back({std::move(texto), 0, 0});
+            double altoUna = ec.metrica.AltoLinea();
+            double altoTexto =
+                static_cast<double>(std::max<std::size_t>(t.renglones.size(), 1)) * altoUna;
+            t.alto = e.alto > 0 ? (e.crece ? std::max(e.alto, altoTexto) : e.alto) : altoTexto;
+            if (!e.crece && t.renglones.size() > 1) t.renglones.resize(1);
+            alto = std::max(alto, t.y + t.alto);
+            b.textos.push_back(std::move(t));
+            b.especiales.push_back(especial);
+        }
+        if (sc.sec->suprimirVacia && hayValores && !algunValor) {
+            b.suprimida = true;
+            return;
+        }
+        b.alto = alto;
+    }
+
+    // Copies a prepared band onto the page at the cursor and moves the cursor down.
+    void Coloca(BandaPreparada& b, double top, double limiteInferior) {
+        const double x0 = p.pagina.margenIzquierdo;
+        ++banda;
+        for (auto& c : b.cajas) {
+            c.x += x0;
+            c.y += top;
+            pagina.pagina.cajas.push_back(c);
+        }
+        for (auto& l : b.lineas) {
+            l.x1 += x0;
+            l.x2 += x0;
+            l.y1 += top;
+            l.y2 += top;
+            pagina.pagina.lineas.push_back(l);
+        }
+        for (std::size_t i = 0; i < b.textos.size(); ++i) {
+            ElementoTexto& t = b.textos[i];
+            t.x += x0;
+            t.y += top;
+            t.banda = banda;
+            // A band taller than the page keeps the lines that fit above the footer.
+            if (t.y + t.alto > limiteInferior) {
+                auto caben = static_cast<std::size_t>(
+                    std::max(0.0, std::floor((limiteInferior - t.y) / t.interlineado + 1e-6)));
+                if (caben == 0) continue;
+                if (caben < t.renglones.size()) t.renglones.resize(caben);
+                t.alto = static_cast<double>(caben) * t.interlineado;
+            }
+            if (b.especiales[i]) {
+                std::string n = std::to_string(numeroPagina);
+                bool pendiente = false;
+                for (auto& r : t.renglones) {
+                    for (std::size_t k; (k = r.texto.find("{N}")) != std::string::npos;)
+                        r.texto.replace(k, 3, n);
+                    pendiente = pendiente || r.texto.find("{M}") != std::string::npos;
+                    r.ancho = medidor.Ancho(t.fuente, r.texto);
+                    r.dx = t.alineacion == Alineacion::Derecha  ? t.ancho - r.ancho
+                           : t.alineacion == Alineacion::Centro ? (t.ancho - r.ancho) / 2
+                                                                : 0;
+                }
+                if (pendiente)
+                    pagina.pendientes.push_back(
+                        static_cast<std::uint32_t>(pagina.pagina.textos.size()));
+            }
+            pagina.pagina.textos.push_back(std::move(t));
+        }
+    }
+
+    // ---- pages ----
+
+    void AbrePagina(const std::vector<Valor>& vals) {
+        pagina.pagina = Pagina{};
+        pagina.pendientes.clear();
+        pagina.pagina.numero = ++numeroPagina;
+        y = p.pagina.margenSuperior;
+        contenido = false;
+        for (auto& a : acumuladores)
+            if (a.Ambito().tipo == AmbitoResumen::Tipo::Pagina) a.Reinicia();
+        altoPie = piePag.Vacia() ? 0 : piePag.sec->alto;
+        limite = p.pagina.alto - p.pagina.margenInferior - altoPie;
+        if (numeroPagina == 1) {
+            Prepara(encRep, vals, bpPagina);
+            if (!bpPagina.suprimida) {
+                Coloca(bpPagina, y, limite);
+                y += std::min(bpPagina.alto, limite - y);
+            }
+        }
+        Prepara(encPag, vals, bpPagina);
+        if (!bpPagina.suprimida) {
+            Coloca(bpPagina, y, limite);
+            y += std::min(bpPagina.alto, limite - y);
+        }
+        cuerpoInicio = y;
+    }
+
+    void CierraPagina(const std::vector<Valor>& vals) {
+        Prepara(piePag, vals, bpPagina);
+        if (!bpPagina.suprimida) {
+            // The footer has its reserved place; a footer that grows keeps within the sheet.
+            double top = p.pagina.alto - p.pagina.margenInferior - altoPie;
+            Coloca(bpPagina, top, p.pagina.alto - p.pagina.margenInferior);
+        }
+        salida->Agrega(pagina);
+    }
+
+    double cuerpoInicio = 0;  // where the body starts on the current page
+
+    // Makes room for `alto` points: a new page when they do not fit and the page already
+    // holds body bands (on a fresh page the band goes anyway, clipped above the footer).
+    void Asegura(double alto, const std::vector<Valor>& anteriores,
+                 const std::vector<Valor>& actuales) {
+        if (y + alto <= limite + 1e-6 || !contenido) return;
+        CierraPagina(anteriores);
+        AbrePagina(actuales);
+    }
+
+    void ColocaCuerpo(BandaPreparada& b) {
+        Coloca(b, y, limite);
+        y += b.alto;
+        contenido = true;
+    }
+
+    // ---- rows ----
+
+    std::int64_t filas = 0;
+
+    bool Lee(std::vector<Valor>& v) {
+        if (!adelantadas.empty()) {
+            v = std::move(adelantadas.front());
+            adelantadas.pop_front();
+            return true;
+        }
+        if (fuente->Siguiente(v)) {
+            ++filas;
+            return true;
+        }
+        return false;
+    }
+
+    // The row `k` places after the current one, reading ahead when needed.
+    const std::vector<Valor>* Mira(std::size_t k) {
+        while (adelantadas.size() <= k) {
+            std::vector<Valor> v;
+            if (!fuente->Siguiente(v)) return nullptr;
+            ++filas;
+            adelantadas.push_back(std::move(v));
+        }
+        return &adelantadas[k];
+    }
+
+    bool MismoGrupo(const std::vector<Valor>& a, const std::vector<Valor>& b, int nivel) const {
+        for (int i = 0; i < nivel; ++i) {
+            auto s = static_cast<std::size_t>(slotGrupo[static_cast<std::size_t>(i)]);
+            if (compararParaOrden(a[s], b[s]) != 0) return false;
+        }
+        return true;
+    }
+
+    // The outermost group level that changes between two rows; 0 when none does.
+    int NivelCambio(const std::vector<Valor>& a, const std::vector<Valor>& b) const {
+        for (std::size_t i = 0; i < slotGrupo.size(); ++i) {
+            auto s = static_cast<std::size_t>(slotGrupo[i]);
+            if (compararParaOrden(a[s], b[s]) != 0) return static_cast<int>(i) + 1;
+        }
+        return 0;
+    }
+
+    double AltoDetalle(const std::vector<Valor>& v) {
+        if (detalle.Vacia()) return 0;
+        bool crece = std::any_of(detalle.elementos.begin(), detalle.elementos.end(),
+                                 [](const auto& e) { return e.el->crece; });
+        if (!crece) return detalle.sec->alto == 0 ? MedidaFija(detalle) : detalle.sec->alto;
+        BandaPreparada tmp;
+        Prepara(detalle, v, tmp);
+        return tmp.suprimida ? 0 : tmp.alto;
+    }
+
+    double MedidaFija(const SeccionCompilada& sc) {
+        if (sc.Vacia()) return 0;
+        double alto = sc.sec->alto;
+        for (const auto& ec : sc.elementos)
+            if (ec.el->tipo != TipoElemento::Linea && ec.el->tipo != TipoElemento::Caja)
+                alto = std::max(
+                    alto, ec.el->y + (ec.el->alto > 0 ? ec.el->alto : ec.metrica.AltoLinea()));
+        return alto;
+    }
+
+    // Keep-together: the height of the group of level `nivel` that starts with `actual`,
+    // found by reading ahead at most one page of rows. Returns a value above the body
+    // height when the group cannot fit on one page anyway.
+    double AltoGrupo(int nivel, const std::vector<Valor>& actual) {
+        const double tope = AltoCuerpoPagina();
+        const int niveles = static_cast<int>(slotGrupo.size());
+        double total = 0;
+        for (int k = nivel; k <= niveles; ++k) total += MedidaFija(encGrupo[k - 1]);
+        total += AltoDetalle(actual);
+        const std::vector<Valor>* previa = &actual;
+        for (std::size_t j = 0; total <= tope; ++j) {
+            const std::vector<Valor>* sig = Mira(j);
+            if (!sig || !MismoGrupo(*sig, actual, nivel)) break;
+            int cambio = NivelCambio(*previa, *sig);
+            if (cambio > 0)
+                for (int k = cambio; k <= niveles; ++k)
+                    total += MedidaFija(pieGrupo[k - 1]) + MedidaFija(encGrupo[k - 1]);
+            total += AltoDetalle(*sig);
+            previa = sig;
+        }
+        for (int k = nivel; k <= niveles; ++k) total += MedidaFija(pieGrupo[k - 1]);
+        return total;
+    }
+
+    double AltoCuerpoPagina() const { return limite - cuerpoInicio; }
+
+    void EncabezadosDesde(int nivel, const std::vector<Valor>& anteriores,
+                          const std::vector<Valor>& actual, bool primera) {
+        const int niveles = static_cast<int>(slotGrupo.size());
+        for (int k = nivel; k <= niveles; ++k) {
+            const auto& g = p.grupos[static_cast<std::size_t>(k - 1)];
+            for (auto& a : acumuladores)
+                if (a.Ambito().tipo == AmbitoResumen::Tipo::Grupo && a.Ambito().nivel == k)
+                    a.Reinicia();
+            if (g.paginaNueva && contenido) {
+                CierraPagina(primera ? actual : anteriores);
+                AbrePagina(actual);
+            }
+            if (g.juntos) {
+                double alto = AltoGrupo(k, actual);
+                if (alto <= AltoCuerpoPagina()) Asegura(alto, anteriores, actual);
+            }
+            // A group header never stays alone at the foot of a page: it goes with the
+            // headers below it and the first detail.
+            double conPrimera = 0;
+            for (int j = k; j <= niveles; ++j) {
+                Prepara(encGrupo[static_cast<std::size_t>(j - 1)], actual, bp);
+                if (!bp.suprimida) conPrimera += bp.alto;
+            }
+            conPrimera += AltoDetalle(actual);
+            Asegura(conPrimera, anteriores, actual);
+            Prepara(encGrupo[static_cast<std::size_t>(k - 1)], actual, bp);
+            if (!bp.suprimida) ColocaCuerpo(bp);
+        }
+    }
+
+    void PiesHasta(int nivel, const std::vector<Valor>& anteriores,
+                   const std::vector<Valor>& siguiente) {
+        for (int k = static_cast<int>(slotGrupo.size()); k >= nivel; --k) {
+            Prepara(pieGrupo[static_cast<std::size_t>(k - 1)], anteriores, bp);
+            if (bp.suprimida) continue;
+            Asegura(bp.alto, anteriores, siguiente);
+            // The page may have changed: page summaries are not part of a group footer.
+            ColocaCuerpo(bp);
+        }
+    }
+
+    ResultadoMaquetado Ejecuta(FuenteFilas& f, ListaPaginas& s) {
+        fuente = &f;
+        salida = &s;
+        fuente->Prepara(referencias);
+        for (auto& a : acumuladores) a.Reinicia();
+
+        std::vector<Valor> actual, anterior;
+        if (!Lee(actual)) {
+            fuente->SinFila(actual);
+            actual.resize(referencias.size());
+            AbrePagina(actual);
+            if (!p.sinDatos.empty()) {
+                double ancho = p.pagina.AnchoUtil();
+                ElementoTexto t;
+                t.fuente = fuenteBase;
+                t.tipoBanda = TipoBanda::SinDatos;
+                t.ancho = ancho;
+                MetricaFuente m = medidor.Metrica(fuenteBase);
+                t.base = m.ascenso;
+                t.interlineado = m.AltoLinea();
+                t.renglones =
+                    medidor.Parte(fuenteBase, p.sinDatos, ancho, Alineacion::Izquierda, true);
+                t.alto = t.interlineado * static_cast<double>(t.renglones.size());
+                bp = BandaPreparada{};
+                bp.alto = t.alto + t.interlineado / 2;
+                bp.textos.push_back(std::move(t));
+                bp.especiales.push_back(false);
+                ColocaCuerpo(bp);
+            }
+            Prepara(pieRep, actual, bp);
+            if (!bp.suprimida) {
+                Asegura(bp.alto, actual, actual);
+                ColocaCuerpo(bp);
+            }
+            CierraPagina(actual);
+            return {numeroPagina, 0};
+        }
+        actual.resize(referencias.size());
+
+        AbrePagina(actual);
+        EncabezadosDesde(1, actual, actual, true);
+        while (true) {
+            // Detail
+            double altoDet = 0;
+            Prepara(detalle, actual, bp);
+            if (!bp.suprimida) {
+                altoDet = bp.alto;
+                if (y + altoDet > limite + 1e-6 && contenido) {
+                    Asegura(altoDet, anterior.empty() ? actual : anterior, actual);
+                }
+            }
+            ++registro;
+            for (auto& a : acumuladores) a.Agrega(actual[static_cast<std::size_t>(a.Slot())]);
+            // Running values include this row: measure again with the totals updated.
+            if (detalleConResumen) Prepara(detalle, actual, bp);
+            if (!bp.suprimida) ColocaCuerpo(bp);
+
+            anterior.swap(actual);
+            if (!Lee(actual)) break;
+            actual.resize(referencias.size());
+            int cambio = NivelCambio(anterior, actual);
+            if (cambio > 0) {
+                PiesHasta(cambio, anterior, actual);
+                EncabezadosDesde(cambio, anterior, actual, false);
+            }
+        }
+        PiesHasta(1, anterior, anterior);
+        Prepara(pieRep, anterior, bp);
+        if (!bp.suprimida) {
+            Asegura(bp.alto, anterior, anterior);
+            ColocaCuerpo(bp);
+        }
+        CierraPagina(anterior);
+        return {numeroPagina, filas};
+    }
+};
+
+Maquetador::Maquetador(const Plantilla& plantilla, Medidor& medidor, std::time_t impresion)
+    : impl_(std::make_unique<Impl>(plantilla, medidor, impresion)) {}
+
+Maquetador::~Maquetador() = default;
+
+const std::vector<Referencia>& Maquetador::Referencias() const {
+    return impl_->referencias;
+}
+
+ResultadoMaquetado Maquetador::Maqueta(FuenteFilas& filas, ListaPaginas& salida) {
+    return impl_->Ejecuta(filas, salida);
+}
+
+Documento Maquetador::DocumentoSalida() const {
+    Documento d;
+    d.titulo = impl_->p.titulo;
+    d.anchoPagina = impl_->p.pagina.ancho;
+    d.altoPagina = impl_->p.pagina.alto;
+    d.margenIzquierdo = impl_->p.pagina.margenIzquierdo;
+    d.margenSuperior = impl_->p.pagina.margenSuperior;
+    d.margenDerecho = impl_->p.pagina.margenDerecho;
+    d.margenInferior = impl_->p.pagina.margenInferior;
+    d.totalPaginas = impl_->numeroPagina;
+    d.fuentes = impl_->medidor.Fuentes();
+    return d;
+}
+
+}  // namespace paratzorep::renderer

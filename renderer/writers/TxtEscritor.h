@@ -1,0 +1,38 @@
+// Plain-text output: each page becomes a character grid that keeps the report's columns
+// aligned (numbers stay right-aligned under their headings). Pages are separated by a
+// form feed, or by the separator given.
+#pragma once
+
+#include <fstream>
+#include <ostream>
+#include <string>
+
+#include "renderer/writers/Escritor.h"
+
+namespace paratzorep::renderer {
+
+class TxtEscritor : public Escritor {
+  public:
+    // Writes to a file.
+    explicit TxtEscritor(std::string archivo);
+    // Writes to a stream that the caller keeps open (standard output for the preview).
+    TxtEscritor(std::ostream& salida, std::string separador);
+    void Inicia(const Documento& documento) override;
+    void Pagina(const renderer::Pagina& pagina) override;
+    void Termina() override;
+
+    // The grid of one page as lines of UTF-8 text, without trailing blanks.
+    std::vector<std::string> Rejilla(const renderer::Pagina& pagina) const;
+
+  private:
+    std::string archivo_;
+    std::ofstream archivoSalida_;
+    std::ostream* salida_ = nullptr;
+    std::string separador_ = "\f";
+    Documento doc_;
+    double anchoColumna_ = 5;
+    double altoRenglon_ = 10;
+    bool primera_ = true;
+};
+
+}  // namespace paratzorep::renderer

@@ -1,0 +1,273 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "layout/FuentePrueba.h"
+#include "renderer/layout/ListaPaginas.h"
+#include "renderer/layout/Maquetador.h"
+#include "renderer/template/Plantilla.h"
+
+namespace paratzorep::renderer {
+namespace {
+
+using prueba::FuentePrueba;
+
+// A 300 x 200 pt page with 10 pt margins: page header 20 pt, page footer 20 pt, so the
+// body runs from y=30 to y=170 (140 pt: 14 detail rows of 10 pt).
+std::string Plantilla10(const std::string& cuerpo, const std::string& extra = {}) {
+    return R"(<reporte version="1" titulo="Prueba">
+  <pagina tamano="personal" ancho="300" alto="200" unidades="pt" margenes="10"/>
+  <encabezadoPagina alto="20"><texto x="0" y="0" ancho="200">Encabezado</texto></encabezadoPagina>
+  <piePagina alto="20"><especial tipo="paginaDeTotal" x="0" y="5" ancho="280" alinea="derecha"/></piePagina>
+)" + extra +
+           cuerpo + "</reporte>";
+}
+
+const char* kDetalle10 =
+    R"(<detalle alto="10"><campo ref="t.nombre" x="0" y="0" ancho="100" alto="10"/>
+<campo ref="t.monto" x="150" y="0" ancho="100" alto="10" formato="#,##0.00"/></detalle>)";
+
+struct Resultado {
+    std::vector<Pagina> paginas;
+    std::int64_t filas = 0;
+};
+
+Resultado Maqueta(const std::string& xml, FuenteFilas& filas) {
+    Plantilla p = LeePlantillaTexto(xml, "prueba.rpt");
+    Medidor medidor;
+    ListaPaginas lista;
+    Maquetador m(p, medidor, 0);
+    auto r = m.Maqueta(filas, lista);
+    Resultado res;
+    res.filas = r.filas;
+    for (int i = 0; i < lista.Total(); ++i) res.paginas.push_back(lista.Lee(i, medidor));
+    EXPECT_EQ(r.paginas, lista.Total());
+    return res;
+}
+
+std::vector<std::string> Textos(const Pagina& p) {
+    std::vector<std::string> r;
+    for (const auto& t : p.textos) {
+        std::string s;
+        for (const auto& l : t.renglones) s += (s.empty() ? "" : "\n") + l.texto;
+        r.push_back(s);
+    }
+    return r;
+}
+
+bool Contiene(const Pagina& p, const std::string& texto) {
+    auto t = Textos(p);
+    return std::find(t.begin(), t.end(), texto) != t.end();
+}
+
+const ElementoTexto* Busca(const Pagina& p, const std::string& texto) {
+    for (const auto& t : p.textos)
+        if (!t.renglones.empty() && t.renglones[0].texto == texto) return &t;
+    return nullptr;
+}
+
+std::vector<std::vector<Valor>> Filas(int n, int porGrupo = 0) {
+    std::vector<std::vector<Valor>> f;
+    for (int i = 0; i < n; ++i)
+        f.push_back({Valor::texto("fila " + std::to_string(i + 1)), Valor::numero(i + 1),
+                     Valor::texto("G" + std::to_string(porGrupo ? i / porGrupo + 1 : 1))});
+    return f;
+}
+
+const std::vector<std::string> kColumnas = {"t.nombre", "t.monto", "t.grupo"};
+
+struct CasoPaginas {
+    int filas;
+    std::string pieReporte;
+    int paginas;
+};
+
+class PaginasTest : public ::testing::TestWithParam<CasoPaginas> {};
+
+TEST_P(PaginasTest, CortaLasPaginasDondeSeAcabaElCuerpo) {
+    const auto& c = GetParam();
+    FuentePrueba f(kColumnas, Filas(c.filas));
+    auto r = Maqueta(Plantilla10(kDetalle10 + c.pieReporte), f);
+    ASSERT_EQ(static_cast<int>(r.paginas.size()), c.paginas);
+    for (const auto& p : r.paginas) {
+        EXPECT_TRUE(Contiene(p, "Encabezado")) << "página " << p.numero;
+        EXPECT_TRUE(
+            Contiene(p, "Página " + std::to_string(p.numero) + " de " + std::to_string(c.paginas)));
+        // Nothing of the body reaches into the page footer (y >= 170).
+        for (const auto& t : p.textos)
+            if (t.tipoBanda != TipoBanda::PiePagina) EXPECT_LE(t.y + t.alto, 170.001);
+    }
+    EXPECT_EQ(r.filas, c.filas);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Casos, PaginasTest,
+    ::testing::Values(
+        CasoPaginas{1, "", 1}, CasoPaginas{14, "", 1}, CasoPaginas{15, "", 2},
+        CasoPaginas{28, "", 2}, CasoPaginas{29, "", 3},
+        CasoPaginas{13, "<pieReporte alto=\"10\"><texto alto=\"10\">Fin</texto></pieReporte>", 1},
+        CasoPaginas{14, "<pieReporte alto=\"10\"><texto alto=\"10\">Fin</texto></pieReporte>", 2},
+        CasoPaginas{300, "", 22}));
+
+TEST(Maquetador, SinFilasImprimeEncabezadosYElTextoDeSinDatos) {
+    FuentePrueba f(kColumnas, {});
+    auto r = Maqueta(Plantilla10(kDetalle10, "<sinDatos>No hay movimientos</sinDatos>"), f);
+    ASSERT_EQ(r.paginas.size(), 1u);
+    EXPECT_TRUE(Contiene(r.paginas[0], "Encabezado"));
+    EXPECT_TRUE(Contiene(r.paginas[0], "No hay movimientos"));
+    EXPECT_TRUE(Contiene(r.paginas[0], "Página 1 de 1"));
+}
+
+const char* kGrupo = R"(<grupo campo="t.grupo" %s>
+  <encabezado alto="10"><campo ref="t.grupo" x="0" y="0" ancho="100" alto="10"/></encabezado>
+  <pie alto="10"><texto x="0" y="0" ancho="100" alto="10">Total</texto>
+    <resumen funcion="suma" campo="t.monto" x="150" y="0" ancho="100" alto="10" formato="0"/></pie>
+</grupo>)";
+
+std::string Grupo(const std::string& atributos) {
+    char buf[1024];
+    std::snprintf(buf, sizeof buf, kGrupo, atributos.c_str());
+    return buf;
+}
+
+TEST(Maquetador, PieDeGrupoAlPieDeLaPaginaCabeSinCortar) {
+    // Header + 12 rows + footer = 14 bands: exactly one page body.
+    FuentePrueba f(kColumnas, Filas(24, 12));
+    auto r = Maqueta(Plantilla10(kDetalle10, Grupo("")), f);
+    ASSERT_EQ(r.paginas.size(), 2u);
+    const ElementoTexto* total = Busca(r.paginas[0], "78");  // 1 + ... + 12
+    ASSERT_NE(total, nullptr);
+    EXPECT_NEAR(total->y, 160, 0.01);
+    EXPECT_TRUE(Contiene(r.paginas[1], "G2"));
+    EXPECT_TRUE(Contiene(r.paginas[1], "222"));  // 13 + ... + 24
+}
+
+TEST(Maquetador, EncabezadoDeGrupoNoQuedaSoloAlPie) {
+    // Group 1: header + 12 rows = 13 bands; its footer takes the 14th; group 2's header
+    // would be alone at the foot, so it goes to the next page with its first row.
+    FuentePrueba f(kColumnas, Filas(14, 12));
+    auto r = Maqueta(Plantilla10(kDetalle10, Grupo("")), f);
+    ASSERT_EQ(r.paginas.size(), 2u);
+    EXPECT_FALSE(Contiene(r.paginas[0], "G2"));
+    EXPECT_TRUE(Contiene(r.paginas[1], "G2"));
+}
+
+TEST(Maquetador, MantenerJuntoPasaElGrupoEnteroALaPaginaSiguiente) {
+    // Groups of 5 rows take 7 bands: two fit on a page (14 bands), the third does not.
+    FuentePrueba sinJuntar(kColumnas, Filas(15, 5));
+    auto a = Maqueta(Plantilla10(kDetalle10, Grupo("")), sinJuntar);
+    FuentePrueba juntos(kColumnas, Filas(15, 5));
+    auto b = Maqueta(Plantilla10(kDetalle10, Grupo("juntos=\"si\"")), juntos);
+    ASSERT_EQ(a.paginas.size(), 2u);
+    ASSERT_EQ(b.paginas.size(), 2u);
+    EXPECT_TRUE(Contiene(a.paginas[0], "G2"));
+    EXPECT_TRUE(Contiene(b.paginas[0], "G2"));
+    // With 6-row groups (8 bands) the second group does not fit after the first.
+    FuentePrueba seis(kColumnas, Filas(12, 6));
+    auto c = Maqueta(Plantilla10(kDetalle10, Grupo("juntos=\"si\"")), seis);
+    ASSERT_EQ(c.paginas.size(), 2u);
+    EXPECT_FALSE(Contiene(c.paginas[0], "G2"));
+    EXPECT_FALSE(Contiene(c.paginas[0], "fila 7"));
+    EXPECT_TRUE(Contiene(c.paginas[1], "G2"));
+    EXPECT_EQ(c.filas, 12);
+}
+
+TEST(Maquetador, PaginaNuevaPorGrupo) {
+    FuentePrueba f(kColumnas, Filas(6, 2));
+    auto r = Maqueta(Plantilla10(kDetalle10, Grupo("paginaNueva=\"si\"")), f);
+    ASSERT_EQ(r.paginas.size(), 3u);
+    for (int i = 0; i < 3; ++i) EXPECT_TRUE(Contiene(r.paginas[i], "G" + std::to_string(i + 1)));
+}
+
+TEST(Maquetador, CampoQueCreceParteElTextoYEmpujaLaBanda) {
+    const char* detalle =
+        R"(<detalle alto="10"><campo ref="t.nombre" x="0" y="0" ancho="60" alto="10" crece="si"/>
+<campo ref="t.monto" x="150" y="0" ancho="100" alto="10" formato="0"/></detalle>)";
+    std::vector<std::vector<Valor>> filas = {
+        {Valor::texto("uno dos tres cuatro cinco seis siete ocho"), Valor::numero(1), Valor()},
+        {Valor::texto("corto"), Valor::numero(2), Valor()},
+    };
+    FuentePrueba f(kColumnas, filas);
+    auto r = Maqueta(Plantilla10(detalle), f);
+    ASSERT_EQ(r.paginas.size(), 1u);
+    const auto& p = r.paginas[0];
+    const ElementoTexto* largo = nullptr;
+    for (const auto& t : p.textos)
+        if (t.renglones.size() > 1) largo = &t;
+    ASSERT_NE(largo, nullptr);
+    std::string junto;
+    for (const auto& l : largo->renglones) {
+        EXPECT_LE(l.ancho, 60.01) << l.texto;
+        junto += (junto.empty() ? "" : " ") + l.texto;
+    }
+    EXPECT_EQ(junto, "uno dos tres cuatro cinco seis siete ocho");
+    const ElementoTexto* segundo = Busca(p, "corto");
+    ASSERT_NE(segundo, nullptr);
+    EXPECT_NEAR(segundo->y, largo->y + largo->alto, 0.01);
+}
+
+TEST(Maquetador, ResumenesPorGrupoReportePaginaYAcumulados) {
+    const char* detalle =
+        R"(<detalle alto="10"><campo ref="t.nombre" x="0" y="0" ancho="60" alto="10"/>
+<resumen funcion="suma" campo="t.monto" acumulado="si" x="150" y="0" ancho="100" alto="10" formato="0"/></detalle>)";
+    const char* pie = R"(<pieReporte alto="60">
+  <resumen funcion="suma" campo="t.monto" x="0" y="0" ancho="50" alto="10" formato="0"/>
+  <resumen funcion="cuenta" campo="t.monto" x="0" y="10" ancho="50" alto="10"/>
+  <resumen funcion="distintos" campo="t.grupo" x="0" y="20" ancho="50" alto="10"/>
+  <resumen funcion="promedio" campo="t.monto" x="0" y="30" ancho="50" alto="10" formato="0.0"/>
+  <resumen funcion="minimo" campo="t.nombre" x="0" y="40" ancho="50" alto="10"/>
+  <resumen funcion="maximo" campo="t.monto" x="0" y="50" ancho="50" alto="10" formato="0"/>
+</pieReporte>)";
+    FuentePrueba f(kColumnas, Filas(4, 2));
+    auto r = Maqueta(Plantilla10(std::string(detalle) + pie), f);
+    ASSERT_EQ(r.paginas.size(), 1u);
+    auto t = Textos(r.paginas[0]);
+    for (const char* esperado : {"1", "3", "6", "10", "4", "2", "2.5", "fila 1"})
+        EXPECT_NE(std::find(t.begin(), t.end(), esperado), t.end()) << esperado;
+}
+
+TEST(Maquetador, TotalPorPaginaNoSeConfundeConElDelReporte) {
+    std::string xml = R"(<reporte version="1">
+  <pagina tamano="personal" ancho="300" alto="200" unidades="pt" margenes="10"/>
+  <piePagina alto="20"><resumen funcion="suma" campo="t.monto" x="0" y="0" ancho="100" formato="0"/></piePagina>
+  <pieReporte alto="10"><resumen funcion="suma" campo="t.monto" x="0" y="0" ancho="100" formato="0"/></pieReporte>
+)" + std::string(kDetalle10) +
+                      "</reporte>";
+    // Body: 160 pt = 16 rows per page.
+    FuentePrueba f(kColumnas, Filas(20));
+    auto r = Maqueta(xml, f);
+    ASSERT_EQ(r.paginas.size(), 2u);
+    EXPECT_TRUE(Contiene(r.paginas[0], "136"));  // 1..16
+    EXPECT_TRUE(Contiene(r.paginas[1], "74"));   // 17..20
+    EXPECT_TRUE(Contiene(r.paginas[1], "210"));  // 1..20
+}
+
+TEST(Maquetador, SeccionVaciaSuprimida) {
+    std::string xml = Plantilla10(
+        R"(<detalle alto="10" suprimirVacia="si"><campo ref="t.nombre" x="0" y="0" ancho="60" alto="10"/></detalle>)");
+    FuentePrueba f({"t.nombre"},
+                   {{Valor::texto("a")}, {Valor::texto("")}, {Valor()}, {Valor::texto("b")}});
+    auto r = Maqueta(xml, f);
+    ASSERT_EQ(r.paginas.size(), 1u);
+    const ElementoTexto* b = Busca(r.paginas[0], "b");
+    ASSERT_NE(b, nullptr);
+    EXPECT_NEAR(b->y, 40, 0.01);  // right below "a" at 30
+}
+
+TEST(Maquetador, NumerosAlineadosALaDerechaYConTipo) {
+    FuentePrueba f(kColumnas, Filas(12));
+    auto r = Maqueta(Plantilla10(kDetalle10), f);
+    ASSERT_EQ(r.paginas.size(), 1u);
+    const ElementoTexto* uno = Busca(r.paginas[0], "1.00");
+    const ElementoTexto* doce = Busca(r.paginas[0], "12.00");
+    ASSERT_TRUE(uno && doce);
+    EXPECT_EQ(uno->tipo, TipoValor::Numero);
+    EXPECT_DOUBLE_EQ(doce->numero, 12);
+    EXPECT_NEAR(uno->x + uno->renglones[0].dx + uno->renglones[0].ancho,
+                doce->x + doce->renglones[0].dx + doce->renglones[0].ancho, 0.01);
+}
+
+}  // namespace
+}  // namespace paratzorep::renderer
