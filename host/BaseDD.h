@@ -75,8 +75,10 @@ class BaseDD {
     // Opens `rs` on `cn` for `fuente`: a table name, a table name followed by " WHERE ...",
     // " ORDER BY ..." or " LIMIT ...", or SQL text starting with SELECT or SHOW. The recordset
     // holds every row and stays attached to `cn` (for RstUpdate) until DesactivaConexion.
+    // `opcion` and `bandera` are the caller's cursor choices, passed through; ours opens every
+    // recordset updatable.
     virtual bool AbrirTabla(Recordset& rs, const Conexion& cn, const std::string& fuente,
-                            std::int32_t opcion = 0) = 0;
+                            std::int32_t opcion = 0, bool bandera = false) = 0;
     virtual void CierraTabla(Recordset& rs) = 0;
     virtual void DesactivaConexion(Recordset& rs) = 0;
 
