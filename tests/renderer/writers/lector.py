@@ -6,6 +6,7 @@ shares no code with ours and prints what it found, one item a line, tab separate
   lector.py xlsx ARCHIVO [MAX]     sheets and cells through openpyxl
   lector.py cfb ARCHIVO NOMBRE=ESPERADO...   streams through xlrd's compound-file reader
   lector.py csv ARCHIVO            rows through Python's csv module
+  lector.py rtf ARCHIVO            paragraphs through unrtf, tab runs as one tab
 
 MAX limits the cells printed per sheet to the first and last MAX rows."""
 import csv
@@ -109,6 +110,19 @@ def csv_(ruta):
             print("FILA", *[esc(v) for v in fila], sep="\t")
 
 
+def rtf(ruta):
+    import html
+    import re
+    import subprocess
+    salida = subprocess.run(["unrtf", "--html", ruta], check=True, capture_output=True).stdout
+    cuerpo = salida.decode("utf-8").split("<body>", 1)[1].replace("\n", "")
+    for parrafo in cuerpo.split("<br>"):
+        texto = re.sub(r"(&nbsp;)+", "\t", re.sub(r"<[^>]*>", "", parrafo))
+        texto = html.unescape(texto).strip("\t")
+        if texto.strip():
+            print("PARRAFO", esc(texto), sep="\t")
+
+
 def main():
     modo, ruta = sys.argv[1], sys.argv[2]
     resto = sys.argv[3:]
@@ -118,6 +132,8 @@ def main():
         xlsx(ruta, int(resto[0]) if resto else None)
     elif modo == "cfb":
         cfb(ruta, resto)
+    elif modo == "rtf":
+        rtf(ruta)
     elif modo == "csv":
         csv_(ruta)
     else:
