@@ -1,0 +1,121 @@
+#include "reports/Formas.h"
+
+#include <map>
+
+namespace paratzorep::reports {
+
+namespace detail {
+
+struct RegistroFormas {
+    std::map<std::string, CreadorForma> creadores;
+    bool iniciado = false;
+};
+
+RegistroFormas& Registro() {
+    static RegistroFormas r;
+    return r;
+}
+
+void IniciaSiHaceFalta() {
+    if (!Registro().iniciado) RegistraFormasBasicas();
+}
+
+template <class T>
+void Alta(const char* nombre) {
+    Registro().creadores[nombre] = [] { return std::make_shared<T>(); };
+}
+
+void AgregaMarcoDestino(Formulario& f) {
+    f.Agrega("optDispos", 0, "&Pantalla").Value = 1;
+    f.Agrega("optDispos", 1, "Im&presora");
+    f.Agrega("optDispos", 2, "&Archivo");
+    f.Agrega("cmdImprimir", -1, "Pr&ocesar");
+}
+
+}  // namespace detail
+
+FormaBasica::FormaBasica(std::string nombre, std::string caption)
+    : Formulario(std::move(nombre), std::move(caption)) {
+    detail::AgregaMarcoDestino(*this);
+}
+
+FormaPareadaBasica::FormaPareadaBasica(std::string nombre, std::string caption)
+    : FormularioPareado(std::move(nombre), std::move(caption)) {
+    detail::AgregaMarcoDestino(*this);
+}
+
+void RegistraForma(const std::string& nombre, CreadorForma creador) {
+    detail::IniciaSiHaceFalta();
+    detail::Registro().creadores[nombre] = std::move(creador);
+}
+
+void RegistraFormasBasicas() {
+    detail::Registro().iniciado = true;
+#define TZ_ALTA(Clase) detail::Alta<Clase>(#Clase);
+    TZ_ALTA(RepAdmAdSCtes)
+    TZ_ALTA(RepAdmAdSProv)
+    TZ_ALTA(RepAdmAjustes)
+    TZ_ALTA(RepAdmApar)
+    TZ_ALTA(RepAdmGymAsistencias)
+    TZ_ALTA(RepAdmMovUser)
+    TZ_ALTA(RepAdmCargos)
+    TZ_ALTA(RepAdmChecador)
+    TZ_ALTA(RepAdmComisXvend)
+    TZ_ALTA(RepAdmCompras)
+    TZ_ALTA(RepAdmComprasND)
+    TZ_ALTA(RepAdmConsigna)
+    TZ_ALTA(RepAdmCortes)
+    TZ_ALTA(RepAdmCotiza)
+    TZ_ALTA(RepAdmCxC)
+    TZ_ALTA(RepAdmCxP)
+    TZ_ALTA(RepAdmDevCtes)
+    TZ_ALTA(RepAdmDevProv)
+    TZ_ALTA(RepAdmEdoCta)
+    TZ_ALTA(RepAdmEdoCtaProds)
+    TZ_ALTA(RepAdmEmbarques)
+    TZ_ALTA(RepAdmEntradas)
+    TZ_ALTA(RepAdmEntraCompra)
+    TZ_ALTA(RepAdmEspVtas)
+    TZ_ALTA(RepAdmMovCanc)
+    TZ_ALTA(RepAdmMDC)
+    TZ_ALTA(RepAdmOrdenes)
+    TZ_ALTA(RepAdmPagosCtes)
+    TZ_ALTA(RepAdmPagosProv)
+    TZ_ALTA(RepAdmPedidos)
+    TZ_ALTA(RepAdmPerdidas)
+    TZ_ALTA(RepAdmProdsRecib)
+    TZ_ALTA(RepAdmRecep)
+    TZ_ALTA(RepAdmCobRecibos)
+    TZ_ALTA(RepAdmRotacion)
+    TZ_ALTA(RepAdmSALF)
+    TZ_ALTA(RepAdmSALFp)
+    TZ_ALTA(RepAdmKits)
+    TZ_ALTA(RepAdmSdoProdsCtes)
+    TZ_ALTA(RepAdmSepMet)
+    TZ_ALTA(RepAdmTraspasos)
+    TZ_ALTA(RepAdmUtilidad)
+    TZ_ALTA(RepAdmUtilXvend)
+    TZ_ALTA(RepAdmVtasCanc)
+#undef TZ_ALTA
+}
+
+std::shared_ptr<Formulario> CreaForma(const std::string& nombre) {
+    detail::IniciaSiHaceFalta();
+    auto& creadores = detail::Registro().creadores;
+    auto it = creadores.find(nombre);
+    if (it == creadores.end() || !it->second) {
+        throw ErrorFormulario("No existe la forma " + nombre);
+    }
+    auto forma = it->second();
+    if (!forma) throw ErrorFormulario("No se pudo crear la forma " + nombre);
+    return forma;
+}
+
+std::vector<std::string> FormasRegistradas() {
+    detail::IniciaSiHaceFalta();
+    std::vector<std::string> r;
+    for (const auto& [nombre, _] : detail::Registro().creadores) r.push_back(nombre);
+    return r;
+}
+
+}  // namespace paratzorep::reports
