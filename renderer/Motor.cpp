@@ -1,0 +1,401 @@
+#include "renderer/Motor.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cctype>
+#include <cstdlib>
+#include <ctime>
+#include <filesystem>
+#include <iostream>
+
+#include "renderer/TiposArchivo.h"
+#include "renderer/formula/Evaluador.h"
+#include "renderer/formula/Formula.h"
+#include "renderer/layout/ListaPaginas.h"
+#include "renderer/layout/Medidor.h"
+#include "renderer/writers/ErrorEscritura.h"
+#include "renderer/writers/EscritorTabla.h"
+#include "renderer/writers/PdfEscritor.h"
+#include "renderer/writers/PngEscritor.h"
+#include "renderer/writers/TxtEscritor.h"
+
+namespace paratzorep::renderer {
+
+namespace detail {
+
+std::string Recorta(std::string_view s) {
+    while (!s.empty() && std::isspace(static_cast<unsigned char>(s.front()))) s.remove_prefix(1);
+    while (!s.empty() && std::isspace(static_cast<unsigned char>(s.back()))) s.remove_suffix(1);
+    return std::string(s);
+}
+
+bool Iguales(std::string_view a, std::string_view b) {
+    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
+               return std::tolower(static_cast<unsigned char>(x)) ==
+                      std::tolower(static_cast<unsigned char>(y));
+           });
+}
+
+// The layout's rows over the data layer's cursor: fields come from the cursor, named
+// formulas are evaluated on each row, parameters are constants, and the selection formula
+// is applied here when the data layer could not apply all of it.
+class FuenteEvaluada : public FuenteFilas, private formula::Contexto {
+  public:
+    FuenteEvaluada(CursorFilas& cursor, const Plantilla& plantilla,
+                   const std::map<std::string, std::string>& parametros,
+                   const formula::Formula* seleccion)
+        : cursor_(cursor), parametros_(parametros), seleccion_(seleccion) {
+        for (const auto& f : plantilla.formulas) {
+            try {
+                formulas_.push_back({f.nombre, formula::analizar(f.expresion)});
+            } catch (const formula::ErrorFormula& e) {
+                throw ErrorMotor("La fórmula '" + f.nombre + "' de la plantilla '" +
+                                 plantilla.archivo + "' no es válida. " + e.what());
+            }
+        }
+    }
+
+    void Prepara(const std::vector<Referencia>& refs) override {
+        refs_.clear();
+        for (const auto& r : refs) {
+            Ref x{r.tipo, {}, {}, nullptr, {}};
+            if (r.tipo == Referencia::Tipo::Campo) {
+                auto p = r.nombre.find('.');
+                x.tabla = r.nombre.substr(0, p);
+                x.campo = r.nombre.substr(p + 1);
+            } else if (r.tipo == Referencia::Tipo::Formula) {
+                x.formula = Busca(r.nombre);
+                if (!x.formula)
+                    throw ErrorMotor("La fórmula '" + r.nombre + "' no existe en la plantilla");
+            } else {
+                x.constante = parametro(r.nombre);
+            }
+            refs_.push_back(std::move(x));
+        }
+    }
+
+    bool Siguiente(std::vector<Valor>& v) override {
+        while (true) {
+            if (!cursor_.Siguiente()) return false;
+            hayFila_ = true;
+            if (seleccion_ && !Selecciona()) continue;
+            Llena(v);
+            return true;
+        }
+    }
+
+    void SinFila(std::vector<Valor>& v) override {
+        hayFila_ = false;
+        Llena(v);
+    }
+
+  private:
+    struct Ref {
+        Referencia::Tipo tipo;
+        std::string tabla, campo;
+        const formula::Formula* formula;
+        Valor constante;
+    };
+
+    bool Selecciona() {
+        try {
+            return formula::seleccionar(*seleccion_, *this);
+        } catch (const std::exception& e) {
+            throw ErrorMotor(std::string("No se pudo evaluar la fórmula de selección. ") +
+                             e.what());
+        }
+    }
+
+    void Llena(std::vector<Valor>& v) {
+        v.resize(refs_.size());
+        for (std::size_t i = 0; i < refs_.size(); ++i) {
+            const Ref& r = refs_[i];
+            switch (r.tipo) {
+                case Referencia::Tipo::Campo:
+                    v[i] = hayFila_ ? cursor_.Campo(r.tabla, r.campo) : Valor();
+                    break;
+                case Referencia::Tipo::Formula:
+                    v[i] = Evalua(*r.formula);
+                    break;
+                case Referencia::Tipo::Parametro:
+                    v[i] = r.constante;
+                    break;
+            }
+        }
+    }
+
+    Valor Evalua(const formula::Formula& f) const {
+        if (++profundidad_ > 32) {
+            profundidad_ = 0;
+            throw ErrorMotor("Las fórmulas de la plantilla se refieren unas a otras sin fin");
+        }
+        Valor v;
+        try {
+            v = formula::evaluar(f, *this);
+        } catch (const ErrorMotor&) {
+            --profundidad_;
+            throw;
+        } catch (const std::exception& e) {
+            --profundidad_;
+            throw ErrorMotor("No se pudo evaluar la fórmula '" + f.fuente() + "'. " + e.what());
+        }
+        --profundidad_;
+        return v;
+    }
+
+    const formula::Formula* Busca(std::string_view nombre) const {
+        for (const auto& [n, f] : formulas_)
+            if (Iguales(n, nombre)) return &f;
+        return nullptr;
+    }
+
+    // formula::Contexto
+    Valor campo(std::string_view tabla, std::string_view campo) const override {
+        return hayFila_ ? cursor_.Campo(tabla, campo) : Valor();
+    }
+    Valor formula(std::string_view nombre) const override {
+        const formula::Formula* f = Busca(nombre);
+        if (!f) throw ErrorValor("fórmula desconocida: " + std::string(nombre));
+        return Evalua(*f);
+    }
+    Valor parametro(std::string_view nombre) const override {
+        for (const auto& [n, v] : parametros_)
+            if (Iguales(n, nombre)) return Valor::texto(v);
+        throw ErrorValor("parámetro desconocido: " + std::string(nombre));
+    }
+
+    CursorFilas& cursor_;
+    const std::map<std::string, std::string>& parametros_;
+    const formula::Formula* seleccion_;
+    std::vector<std::pair<std::string, formula::Formula>> formulas_;
+    std::vector<Ref> refs_;
+    bool hayFila_ = false;
+    mutable int profundidad_ = 0;
+};
+
+std::string CarpetaTemporal() {
+    const char* t = std::getenv("TMPDIR");
+    return t && *t ? t : "/tmp";
+}
+
+}  // namespace detail
+
+Motor::Motor() {
+    // The spreadsheet and CSV writers; RTF and DOC register the same way.
+    RegistraEscritor(InfoDe(TipoArchivo::Xls).codigo, CreaEscritorXls);
+    RegistraEscritor(InfoDe(TipoArchivo::Xlsx).codigo, CreaEscritorXlsx);
+    RegistraEscritor(InfoDe(TipoArchivo::Csv).codigo, CreaEscritorCsv);
+}
+
+Motor::~Motor() = default;
+
+void Motor::ReportFileName(const std::string& ruta) {
+    auto p = std::make_unique<Plantilla>(LeePlantilla(ruta));
+    archivo_ = ruta;
+    archivosDatos_ = p->ArchivosDatos();
+    plantilla_ = std::move(p);
+}
+
+int Motor::RetrieveDataFiles() const {
+    return static_cast<int>(archivosDatos_.size());
+}
+
+std::string Motor::DataFiles(int i) const {
+    if (i < 0 || i >= RetrieveDataFiles())
+        throw ErrorMotor("DataFiles(" + std::to_string(i) +
+                         ") está fuera de rango: la plantilla tiene " +
+                         std::to_string(RetrieveDataFiles()) + " archivos de datos");
+    return archivosDatos_[static_cast<std::size_t>(i)];
+}
+
+void Motor::DataFiles(int i, const std::string& valor) {
+    DataFiles(i);  // range check
+    archivosDatos_[static_cast<std::size_t>(i)] = valor;
+}
+
+void Motor::RevisaIndice(int i, const char* propiedad) {
+    if (i < 0 || i > kMaxIndice)
+        throw ErrorMotor(std::string(propiedad) + "(" + std::to_string(i) +
+                         ") está fuera de rango (se admite de 0 a " + std::to_string(kMaxIndice) +
+                         ")");
+}
+
+std::string Motor::Formulas(int i) const {
+    RevisaIndice(i, "Formulas");
+    return formulas_[static_cast<std::size_t>(i)];
+}
+
+void Motor::Formulas(int i, const std::string& asignacion) {
+    RevisaIndice(i, "Formulas");
+    formulas_[static_cast<std::size_t>(i)] = asignacion;
+}
+
+std::string Motor::SortFields(int i) const {
+    RevisaIndice(i, "SortFields");
+    return orden_[static_cast<std::size_t>(i)];
+}
+
+void Motor::SortFields(int i, const std::string& campo) {
+    RevisaIndice(i, "SortFields");
+    orden_[static_cast<std::size_t>(i)] = campo;
+}
+
+void Motor::Destination(int d) {
+    if (d < 0 || d > 2)
+        throw ErrorMotor("Destino desconocido: " + std::to_string(d) +
+                         " (0 pantalla, 1 impresora, 2 archivo)");
+    destino_ = d;
+}
+
+void Motor::Parametro(const std::string& nombre, const std::string& valor) {
+    parametros_[nombre] = valor;
+}
+
+void Motor::RegistraEscritor(int codigo, FabricaEscritor fabrica) {
+    fabricas_[codigo] = std::move(fabrica);
+}
+
+void Motor::Action(int valor) {
+    if (valor == 1) Renderiza();
+}
+
+// The template with the request's formula assignments in place of the defaults.
+Plantilla Motor::PlantillaConFormulas() const {
+    Plantilla p = *plantilla_;
+    for (const auto& a : formulas_) {
+        if (detail::Recorta(a).empty()) continue;
+        auto igual = a.find('=');
+        std::string nombre = detail::Recorta(igual == std::string::npos ? a : a.substr(0, igual));
+        if (igual == std::string::npos || nombre.empty())
+            throw ErrorMotor("La fórmula \"" + a + "\" no tiene la forma NOMBRE=valor");
+        FormulaPlantilla* f = p.BuscaFormula(nombre);
+        if (!f)
+            throw ErrorMotor("La fórmula '" + nombre + "' no existe en la plantilla '" + p.archivo +
+                             "'");
+        f->expresion = a.substr(igual + 1);
+    }
+    return p;
+}
+
+void Motor::Renderiza() {
+    resultado_ = {};
+    if (!plantilla_) throw ErrorMotor("No se indicó la plantilla del reporte (ReportFileName)");
+    if (!proveedor_) throw ErrorMotor("El motor de reportes no tiene origen de datos");
+    std::optional<InfoTipoArchivo> tipo;
+    if (destino_ == 2) {
+        if (nombreArchivo_.empty())
+            throw ErrorMotor("No se indicó el nombre del archivo de salida (PrintFileName)");
+        tipo = TipoPorCodigo(tipoArchivo_);
+        if (!tipo) throw ErrorMotor("Tipo de archivo desconocido: " + std::to_string(tipoArchivo_));
+        if (tipo->tipo != TipoArchivo::Pdf && tipo->tipo != TipoArchivo::Txt &&
+            !fabricas_.count(tipo->codigo))
+            throw ErrorMotor("El tipo de archivo " + std::string(tipo->extension) +
+                             " no está disponible");
+    }
+    if (destino_ == 1 && !imprimir_)
+        throw ErrorMotor("No hay servicio de impresión para enviar el reporte a la impresora");
+
+    const Plantilla p = PlantillaConFormulas();
+    std::map<std::string, std::string> parametros;
+    for (const auto& pa : p.parametros) parametros[pa.nombre] = pa.valor;
+    for (const auto& [n, v] : parametros_) {
+        bool hay = false;
+        for (auto& [pn, pv] : parametros)
+            if (detail::Iguales(pn, n)) {
+                pv = v;
+                hay = true;
+            }
+        if (!hay) parametros[n] = v;
+    }
+
+    Medidor medidor;
+    Maquetador maquetador(p, medidor, std::time(nullptr));
+
+    ConsultaReporte consulta;
+    consulta.plantilla = &p;
+    consulta.archivosDatos = archivosDatos_;
+    consulta.conexion = conexion_;
+    consulta.seleccion = seleccion_;
+    for (const auto& g : p.grupos)
+        if (!g.esFormula) consulta.orden.push_back((g.descendente ? "-{" : "+{") + g.valor + "}");
+    for (const auto& o : orden_)
+        if (!detail::Recorta(o).empty()) consulta.orden.push_back(detail::Recorta(o));
+    for (const auto& o : p.orden) consulta.orden.push_back(o);
+    auto agregaCampo = [&](const std::string& c) {
+        if (std::none_of(consulta.campos.begin(), consulta.campos.end(),
+                         [&](const std::string& x) { return detail::Iguales(x, c); }))
+            consulta.campos.push_back(c);
+    };
+    for (const auto& r : maquetador.Referencias())
+        if (r.tipo == Referencia::Tipo::Campo) agregaCampo(r.nombre);
+    formula::Formula seleccion;
+    try {
+        seleccion = formula::analizar(seleccion_);
+    } catch (const formula::ErrorFormula& e) {
+        throw ErrorMotor(std::string("La fórmula de selección no es válida. ") + e.what());
+    }
+    for (const auto& c : seleccion.campos()) agregaCampo(c.tabla + "." + c.campo);
+    for (const auto& f : p.formulas) {
+        try {
+            for (const auto& c : formula::analizar(f.expresion).campos())
+                agregaCampo(c.tabla + "." + c.campo);
+        } catch (const formula::ErrorFormula& e) {
+            throw ErrorMotor("La fórmula '" + f.nombre + "' no es válida. " + e.what());
+        }
+    }
+
+    DatosAbiertos datos = proveedor_(consulta);
+    if (!datos.cursor) throw ErrorMotor("El origen de datos no entregó filas para el reporte");
+    detail::FuenteEvaluada fuente(
+        *datos.cursor, p, parametros,
+        datos.seleccionAplicada || seleccion.vacia() ? nullptr : &seleccion);
+    ListaPaginas lista;
+    auto r = maquetador.Maqueta(fuente, lista);
+    datos.cursor.reset();  // the connection goes before the slow part, the output
+    resultado_.paginas = r.paginas;
+    resultado_.filas = r.filas;
+    Documento doc = maquetador.DocumentoSalida();
+    if (!titulo_.empty()) doc.titulo = titulo_;
+
+    static std::atomic<int> contador{0};
+    if (destino_ == 0) {
+        std::string carpeta = carpetaVista_;
+        if (carpeta.empty())
+            carpeta = detail::CarpetaTemporal() + "/tzorep-vista-" + std::to_string(getpid()) +
+                      "-" + std::to_string(++contador);
+        PngEscritor png(carpeta, medidor);
+        TxtEscritor txt(salidaPantalla_ ? *salidaPantalla_ : std::cout, "\f");
+        lista.Reproduce(doc, medidor, {&png, &txt});
+        for (int i = 1; i <= r.paginas; ++i) resultado_.archivos.push_back(png.ArchivoPagina(i));
+    } else if (destino_ == 1) {
+        std::string pdf = detail::CarpetaTemporal() + "/tzorep-impresion-" +
+                          std::to_string(getpid()) + "-" + std::to_string(++contador) + ".pdf";
+        PdfEscritor escritor(pdf, medidor);
+        lista.Reproduce(doc, medidor, {&escritor});
+        imprimir_(pdf, impresora_, copias_ < 1 ? 1 : copias_, doc.titulo);
+        std::error_code ec;
+        std::filesystem::remove(pdf, ec);
+    } else {
+        std::unique_ptr<Escritor> escritor;
+        if (tipo->tipo == TipoArchivo::Pdf)
+            escritor = std::make_unique<PdfEscritor>(nombreArchivo_, medidor);
+        else if (tipo->tipo == TipoArchivo::Txt)
+            escritor = std::make_unique<TxtEscritor>(nombreArchivo_);
+        else
+            escritor = fabricas_.at(tipo->codigo)(nombreArchivo_);
+        try {
+            lista.Reproduce(doc, medidor, {escritor.get()});
+        } catch (...) {
+            // No half-written file is left behind to be taken for the report.
+            escritor.reset();
+            std::error_code ec;
+            std::filesystem::remove(nombreArchivo_, ec);
+            throw;
+        }
+        resultado_.archivos.push_back(nombreArchivo_);
+    }
+}
+
+}  // namespace paratzorep::renderer

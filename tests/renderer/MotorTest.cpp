@@ -1,0 +1,220 @@
+#include "renderer/Motor.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "renderer/TiposArchivo.h"
+#include "renderer/formula/Formula.h"
+
+namespace paratzorep::renderer {
+namespace {
+
+namespace fs = std::filesystem;
+
+const char* kPlantilla = R"(<reporte version="1" titulo="Bitácora">
+  <pagina tamano="A4" margenes="10"/>
+  <tabla nombre="bitacorausuarios"/>
+  <tabla nombre="Generales" archivo="Auxiliar.mdb"/>
+  <formula nombre="ENCABEZADO">'Sin título'</formula>
+  <formula nombre="DOBLE">{bitacorausuarios.Id} * 2</formula>
+  <parametro nombre="UsuarioImpresion"/>
+  <encabezadoReporte>
+    <formula nombre="ENCABEZADO" x="0" y="0" ancho="100"/>
+    <parametro nombre="UsuarioImpresion" x="100" y="0" ancho="80"/>
+  </encabezadoReporte>
+  <detalle>
+    <campo ref="bitacorausuarios.Accion" x="0" y="0" ancho="100"/>
+    <formula nombre="DOBLE" x="120" y="0" ancho="30" formato="0"/>
+  </detalle>
+  <sinDatos>Sin movimientos</sinDatos>
+</reporte>)";
+
+class CursorPrueba : public CursorFilas {
+  public:
+    explicit CursorPrueba(std::vector<std::pair<int, std::string>> filas)
+        : filas_(std::move(filas)) {}
+    bool Siguiente() override { return ++pos_ < static_cast<int>(filas_.size()); }
+    Valor Campo(std::string_view, std::string_view campo) const override {
+        const auto& f = filas_[static_cast<std::size_t>(pos_)];
+        if (campo == "Id") return Valor::numero(f.first);
+        return Valor::texto(f.second);
+    }
+
+  private:
+    std::vector<std::pair<int, std::string>> filas_;
+    int pos_ = -1;
+};
+
+class MotorTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        char plantilla[] = "/tmp/tz-motor-XXXXXX";
+        dir_ = mkdtemp(plantilla);
+        rpt_ = (dir_ / "bitacoraus.rpt").string();
+        std::ofstream(rpt_) << kPlantilla;
+        motor_.Datos([this](const ConsultaReporte& c) {
+            consulta_ = c;
+            DatosAbiertos d;
+            d.cursor = std::make_unique<CursorPrueba>(filas_);
+            d.seleccionAplicada = false;
+            return d;
+        });
+    }
+    void TearDown() override {
+        std::error_code ec;
+        fs::remove_all(dir_, ec);
+    }
+    std::string Lee(const std::string& archivo) {
+        std::ifstream in(archivo);
+        std::stringstream s;
+        s << in.rdbuf();
+        return s.str();
+    }
+
+    fs::path dir_;
+    std::string rpt_;
+    Motor motor_;
+    ConsultaReporte consulta_;
+    std::vector<std::pair<int, std::string>> filas_ = {
+        {1, "Entrada"}, {2, "Salida"}, {3, "Entrada"}};
+};
+
+TEST_F(MotorTest, ArchivosDeDatosDeLaPlantilla) {
+    motor_.ReportFileName(rpt_);
+    ASSERT_EQ(motor_.RetrieveDataFiles(), 2);
+    EXPECT_EQ(motor_.DataFiles(0), "bitacorausuarios");
+    EXPECT_EQ(motor_.DataFiles(1), "Auxiliar.mdb");
+    motor_.DataFiles(0, "tanzoreportes.tbltemp12");
+    EXPECT_EQ(motor_.DataFiles(0), "tanzoreportes.tbltemp12");
+    EXPECT_THROW(motor_.DataFiles(2), ErrorMotor);
+}
+
+TEST_F(MotorTest, IndicesDeFormulasYOrdenDe0A20) {
+    for (int i : {0, 20}) {
+        EXPECT_NO_THROW(motor_.Formulas(i, "X='1'"));
+        EXPECT_NO_THROW(motor_.SortFields(i, "+{t.f}"));
+    }
+    for (int i : {-1, 21}) {
+        EXPECT_THROW(motor_.Formulas(i, "X='1'"), ErrorMotor);
+        EXPECT_THROW(motor_.SortFields(i, "+{t.f}"), ErrorMotor);
+    }
+}
+
+TEST_F(MotorTest, ArchivoDeTextoConFormulasParametrosYSeleccion) {
+    motor_.ReportFileName(rpt_);
+    motor_.Formulas(0, "ENCABEZADO='Movimientos del usuario ADMIN'");
+    motor_.Parametro("UsuarioImpresion", "ADMIN");
+    motor_.SelectionFormula("'Entrada' in {bitacorausuarios.Accion}");
+    motor_.SortFields(0, "+{bitacorausuarios.Id}");
+    motor_.Destination(2);
+    motor_.PrintFileType(InfoDe(TipoArchivo::Txt).codigo);
+    std::string salida = (dir_ / "bitacora.txt").string();
+    motor_.PrintFileName(salida);
+    motor_.Action(1);
+    std::string texto = Lee(salida);
+    EXPECT_NE(texto.find("Movimientos del usuario ADMIN"), std::string::npos) << texto;
+    EXPECT_NE(texto.find("ADMIN"), std::string::npos);
+    EXPECT_NE(texto.find("Entrada"), std::string::npos);
+    EXPECT_EQ(texto.find("Salida"), std::string::npos);  // left out by the selection
+    EXPECT_NE(texto.find("6"), std::string::npos);       // DOBLE of row 3
+    EXPECT_EQ(motor_.Resultado().paginas, 1);
+    EXPECT_EQ(consulta_.orden, std::vector<std::string>{"+{bitacorausuarios.Id}"});
+    EXPECT_NE(std::find(consulta_.campos.begin(), consulta_.campos.end(), "bitacorausuarios.Id"),
+              consulta_.campos.end());
+}
+
+TEST_F(MotorTest, FormulaDesconocidaEsUnErrorClaro) {
+    motor_.ReportFileName(rpt_);
+    motor_.Formulas(0, "TITULO='x'");
+    motor_.Destination(2);
+    motor_.PrintFileType(InfoDe(TipoArchivo::Txt).codigo);
+    motor_.PrintFileName((dir_ / "x.txt").string());
+    try {
+        motor_.Action(1);
+        FAIL();
+    } catch (const ErrorMotor& e) {
+        EXPECT_NE(std::string(e.what()).find("'TITULO' no existe"), std::string::npos);
+    }
+}
+
+TEST_F(MotorTest, PantallaDaPaginasPngYTextoEnLaSalida) {
+    motor_.ReportFileName(rpt_);
+    std::ostringstream pantalla;
+    motor_.SalidaPantalla(&pantalla);
+    motor_.CarpetaVistaPrevia((dir_ / "vista").string());
+    motor_.Destination(0);
+    motor_.Action(1);
+    EXPECT_NE(pantalla.str().find("Salida"), std::string::npos);
+    ASSERT_EQ(motor_.Resultado().archivos.size(), 1u);
+    EXPECT_TRUE(fs::exists(motor_.Resultado().archivos[0]));
+}
+
+TEST_F(MotorTest, ImpresoraRecibeElPdfConCopias) {
+    motor_.ReportFileName(rpt_);
+    std::string impresora;
+    int copias = 0;
+    bool eraPdf = false;
+    motor_.Imprimir([&](const std::string& pdf, const std::string& imp, int c, const std::string&) {
+        impresora = imp;
+        copias = c;
+        std::ifstream in(pdf);
+        std::string cabecera(4, '\0');
+        in.read(cabecera.data(), 4);
+        eraPdf = cabecera == "%PDF";
+    });
+    motor_.Destination(1);
+    motor_.PrinterName("Oficina");
+    motor_.CopiesToPrinter(2);
+    motor_.Action(1);
+    EXPECT_EQ(impresora, "Oficina");
+    EXPECT_EQ(copias, 2);
+    EXPECT_TRUE(eraPdf);
+}
+
+TEST_F(MotorTest, SinFilasImprimeElTextoDeSinDatos) {
+    filas_.clear();
+    motor_.ReportFileName(rpt_);
+    motor_.Destination(2);
+    motor_.PrintFileType(InfoDe(TipoArchivo::Pdf).codigo);
+    std::string salida = (dir_ / "vacio.pdf").string();
+    motor_.PrintFileName(salida);
+    motor_.Action(1);
+    EXPECT_TRUE(fs::exists(salida));
+    EXPECT_EQ(motor_.Resultado().paginas, 1);
+}
+
+TEST_F(MotorTest, ErroresDeUsoConMensaje) {
+    EXPECT_THROW(motor_.Action(1), ErrorMotor);  // no template
+    EXPECT_THROW(motor_.ReportFileName((dir_ / "noexiste.rpt").string()), ErrorPlantilla);
+    motor_.ReportFileName(rpt_);
+    motor_.Destination(2);
+    motor_.PrintFileType(99);
+    motor_.PrintFileName((dir_ / "x.zzz").string());
+    EXPECT_THROW(motor_.Action(1), ErrorMotor);
+    EXPECT_THROW(motor_.Destination(3), ErrorMotor);
+    motor_.PrintFileType(InfoDe(TipoArchivo::Txt).codigo);
+    motor_.SelectionFormula("{bitacorausuarios.Accion} = ");
+    EXPECT_THROW(motor_.Action(1), ErrorMotor);
+    motor_.Action(0);  // any other action does nothing
+}
+
+TEST(TiposArchivo, CodigosUnicosYExtensiones) {
+    std::set<int> codigos;
+    for (const auto& t : TiposArchivo()) {
+        EXPECT_TRUE(codigos.insert(t.codigo).second) << t.extension;
+        EXPECT_LE(t.codigo, 99);
+        EXPECT_EQ(TipoPorCodigo(t.codigo)->tipo, t.tipo);
+        EXPECT_NE(t.texto.find(t.extension), std::string_view::npos);
+    }
+    EXPECT_EQ(TiposArchivo().size(), 7u);
+    EXPECT_EQ(TipoPorExtension("/a/b/Reporte.PDF")->tipo, TipoArchivo::Pdf);
+    EXPECT_EQ(TipoPorExtension("x.xlsx")->tipo, TipoArchivo::Xlsx);
+    EXPECT_FALSE(TipoPorExtension("sin-extension"));
+    EXPECT_FALSE(TipoPorCodigo(0));
+}
+
+}  // namespace
+}  // namespace paratzorep::renderer
