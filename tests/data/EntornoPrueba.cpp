@@ -44,7 +44,7 @@ void ConBase::SetUp() {
     if (servidor == nullptr) GTEST_SKIP() << "no hay servidor de prueba (TZOREP_TEST_HOME)";
     static std::atomic<int> contador{0};
     nombreBase = "tzdatos_" + std::to_string(::getpid()) + "_" + std::to_string(contador++);
-    base = std::make_shared<BaseDDMaria>();
+    base = std::make_shared<BaseEspia>();
     base->cRuta = servidor->host;
     base->cPuerto = servidor->puerto;
     base->cUsuario = servidor->usuario;

@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 
+#include "BaseEspia.h"
 #include "data/BaseDDMaria.h"
 
 namespace paratzorep::data::prueba {
@@ -33,7 +34,7 @@ class ConBase : public ::testing::Test {
     // Runs statements on the test database.
     void Ejecuta(const std::string& sql);
 
-    std::shared_ptr<BaseDDMaria> base;
+    std::shared_ptr<BaseEspia> base;
     std::string nombreBase;  // the scratch database
     const Servidor* servidor = nullptr;
 };
