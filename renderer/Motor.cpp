@@ -16,6 +16,7 @@
 #include "renderer/layout/ListaPaginas.h"
 #include "renderer/layout/Medidor.h"
 #include "renderer/writers/ErrorEscritura.h"
+#include "renderer/writers/EscritorRtf.h"
 #include "renderer/writers/EscritorTabla.h"
 #include "renderer/writers/PdfEscritor.h"
 #include "renderer/writers/PngEscritor.h"
@@ -183,7 +184,8 @@ std::string CarpetaTemporal() {
 }  // namespace detail
 
 Motor::Motor() {
-    // The spreadsheet and CSV writers; RTF and DOC register the same way.
+    RegistraEscritor(InfoDe(TipoArchivo::Rtf).codigo, CreaEscritorRtf);
+    RegistraEscritor(InfoDe(TipoArchivo::Doc).codigo, CreaEscritorDoc);
     RegistraEscritor(InfoDe(TipoArchivo::Xls).codigo, CreaEscritorXls);
     RegistraEscritor(InfoDe(TipoArchivo::Xlsx).codigo, CreaEscritorXlsx);
     RegistraEscritor(InfoDe(TipoArchivo::Csv).codigo, CreaEscritorCsv);
