@@ -85,6 +85,24 @@ std::string LeeIni(const std::string& seccion, const std::string& clave,
     return omision;
 }
 
+std::vector<std::pair<std::string, std::string>> ClavesIni(const std::string& seccion,
+                                                           const std::filesystem::path& archivo) {
+    std::vector<std::pair<std::string, std::string>> r;
+    bool dentro = false;
+    for (const auto& linea : LeeLineas(archivo)) {
+        if (auto s = Encabezado(linea)) {
+            dentro = detail::IgualesSinCaso(*s, detail::Recorta(seccion));
+            continue;
+        }
+        if (!dentro) continue;
+        if (auto k = ClaveDe(linea)) {
+            r.emplace_back(*k,
+                           detail::Recorta(std::string_view(linea).substr(linea.find('=') + 1)));
+        }
+    }
+    return r;
+}
+
 void EscribeIni(const std::string& seccion, const std::string& clave, const std::string& valor,
                 const std::filesystem::path& archivo) {
     if (archivo.empty()) throw std::runtime_error("No se indicó el archivo de configuración");

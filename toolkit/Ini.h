@@ -6,6 +6,8 @@
 
 #include <filesystem>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace paratzorep::toolkit {
 
@@ -16,6 +18,9 @@ std::string LeeIni(const std::string& seccion, const std::string& clave,
 // Throws std::runtime_error (Spanish message with the path) when the file cannot be written.
 void EscribeIni(const std::string& seccion, const std::string& clave, const std::string& valor,
                 const std::filesystem::path& archivo);
+// Every "Clave=Valor" of a section in file order (keys as written); empty when missing.
+std::vector<std::pair<std::string, std::string>> ClavesIni(const std::string& seccion,
+                                                           const std::filesystem::path& archivo);
 // Removes a key ("" removes the whole section); a missing file is fine.
 void BorraIni(const std::string& seccion, const std::string& clave,
               const std::filesystem::path& archivo);
