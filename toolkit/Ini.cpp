@@ -122,7 +122,7 @@ void EscribeIni(const std::string& seccion, const std::string& clave, const std:
         if (!dentro) continue;
         auto k = ClaveDe(lineas[i]);
         if (k && detail::IgualesSinCaso(*k, cla)) {
-            lineas[i] = nueva;
+            lineas[i] = *k + "=" + valor;  // the key keeps its spelling in the file
             detail::EscribeAtomico(archivo, Une(lineas));
             return;
         }

@@ -1,0 +1,161 @@
+// Dates, numbers and filter clauses of the general helper object.
+#include <gtest/gtest.h>
+
+#include "toolkit/Fechas.h"
+#include "toolkit/LibKRVM.h"
+#include "toolkit/Utilerias.h"
+
+namespace paratzorep::toolkit {
+namespace {
+
+struct CasoFecha {
+    const char* entrada;
+    const char* sql;
+    const char* completa;
+    const char* mesCorto;
+};
+
+void PrintTo(const CasoFecha& c, std::ostream* os) {
+    *os << '"' << c.entrada << '"';
+}
+
+class FechasTest : public ::testing::TestWithParam<CasoFecha> {};
+
+TEST_P(FechasTest, ConvierteOrechaza) {
+    const CasoFecha& c = GetParam();
+    LibKRVM kv;
+    EXPECT_EQ(kv.FechaSQL(c.entrada), c.sql);
+    EXPECT_EQ(kv.FechaCompleta(c.entrada), c.completa);
+    EXPECT_EQ(kv.FechaMesCorto(c.entrada), c.mesCorto);
+    EXPECT_EQ(kv.EsFecha(c.entrada), std::string(c.sql) != "");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Tabla, FechasTest,
+    ::testing::Values(
+        CasoFecha{"05/03/2024", "2024-03-05", "5 de marzo de 2024", "05/mar/2024"},
+        CasoFecha{"5/3/2024", "2024-03-05", "5 de marzo de 2024", "05/mar/2024"},
+        CasoFecha{" 31/12/1999 ", "1999-12-31", "31 de diciembre de 1999", "31/dic/1999"},
+        CasoFecha{"01/01/2025", "2025-01-01", "1 de enero de 2025", "01/ene/2025"},
+        CasoFecha{"29/02/2024", "2024-02-29", "29 de febrero de 2024", "29/feb/2024"},
+        CasoFecha{"15/ago/2023", "2023-08-15", "15 de agosto de 2023", "15/ago/2023"},
+        CasoFecha{"15/SEP/2023", "2023-09-15", "15 de septiembre de 2023", "15/sep/2023"},
+        CasoFecha{"2024-06-30", "2024-06-30", "30 de junio de 2024", "30/jun/2024"},
+        CasoFecha{"2024-06-30 10:11:12", "2024-06-30", "30 de junio de 2024", "30/jun/2024"},
+        CasoFecha{"31/02/2024", "", "", ""}, CasoFecha{"29/02/2023", "", "", ""},
+        CasoFecha{"00/01/2024", "", "", ""}, CasoFecha{"12/13/2024", "", "", ""},
+        CasoFecha{"__/__/____", "", "", ""}, CasoFecha{"  /  /    ", "", "", ""},
+        CasoFecha{"", "", "", ""}, CasoFecha{"05/03/24", "", "", ""},
+        CasoFecha{"05/03/2024x", "", "", ""}, CasoFecha{"hoy", "", "", ""},
+        CasoFecha{"0000-00-00", "", "", ""}, CasoFecha{"15/xyz/2023", "", "", ""}));
+
+TEST(MesesTest, AbreviacionesEnEspanol) {
+    const char* esperadas[] = {"ene", "feb", "mar", "abr", "may", "jun",
+                               "jul", "ago", "sep", "oct", "nov", "dic"};
+    for (int m = 1; m <= 12; ++m) {
+        EXPECT_EQ(TextoMesCorto(Fecha{2024, m, 1}),
+                  std::string("01/") + esperadas[m - 1] + "/2024");
+        // Each abbreviation reads back as its month.
+        auto f = LeeFecha(std::string("01/") + esperadas[m - 1] + "/2024");
+        ASSERT_TRUE(f);
+        EXPECT_EQ(f->mes, m);
+    }
+}
+
+TEST(FechasAritmeticaTest, DiasEntreCruzaMesesYBisiestos) {
+    EXPECT_EQ(DiasEntre({2024, 2, 28}, {2024, 3, 1}), 2);
+    EXPECT_EQ(DiasEntre({2023, 2, 28}, {2023, 3, 1}), 1);
+    EXPECT_EQ(DiasEntre({2024, 3, 1}, {2024, 2, 28}), -2);
+    EXPECT_EQ(SumaDias({2024, 12, 31}, 1), (Fecha{2025, 1, 1}));
+    EXPECT_EQ(SumaDias({2024, 3, 1}, -30), (Fecha{2024, 1, 31}));
+}
+
+TEST(FechaVaciaTest, MascaraYBlancosSonVacios) {
+    LibKRVM kv;
+    EXPECT_TRUE(kv.FechaVacia(""));
+    EXPECT_TRUE(kv.FechaVacia("__/__/____"));
+    EXPECT_TRUE(kv.FechaVacia("  /  /    "));
+    EXPECT_FALSE(kv.FechaVacia("01/__/____"));
+    EXPECT_FALSE(kv.FechaVacia("01/01/2024"));
+    EXPECT_EQ(kv.MascaraFecha(), "##/##/####");
+    EXPECT_EQ(kv.FormatoFecha(), "dd/mm/yyyy");
+}
+
+struct CasoVal {
+    const char* texto;
+    double valor;
+};
+
+void PrintTo(const CasoVal& c, std::ostream* os) {
+    *os << '"' << c.texto << '"';
+}
+
+class KvValTest : public ::testing::TestWithParam<CasoVal> {};
+
+TEST_P(KvValTest, NumeroInicial) {
+    EXPECT_DOUBLE_EQ(LibKRVM().kvVal(GetParam().texto), GetParam().valor);
+}
+
+INSTANTIATE_TEST_SUITE_P(Tabla, KvValTest,
+                         ::testing::Values(CasoVal{"123", 123}, CasoVal{"  42abc", 42},
+                                           CasoVal{"-7.25", -7.25}, CasoVal{"+3", 3},
+                                           CasoVal{"- 5", -5}, CasoVal{"1 000", 1000},
+                                           CasoVal{".5", 0.5}, CasoVal{"12.3.4", 12.3},
+                                           CasoVal{"", 0}, CasoVal{"abc", 0}, CasoVal{"-", 0},
+                                           CasoVal{"$10", 0}, CasoVal{"3,5", 3}, CasoVal{"0007", 7},
+                                           CasoVal{"\t9\t", 9}));
+
+TEST(SumaWhereAndTest, PrimeraCondicionAbreWhereYLasDemasUnenConAnd) {
+    LibKRVM kv;
+    std::string w;
+    w = kv.SumaWhereAnd(w, "Fecha>='2024-01-01'");
+    EXPECT_EQ(w, " WHERE Fecha>='2024-01-01'");
+    w = kv.SumaWhereAnd(w, "");
+    EXPECT_EQ(w, " WHERE Fecha>='2024-01-01'");
+    w = kv.SumaWhereAnd(w, "Fecha<='2024-01-31'");
+    w = kv.SumaWhereAnd(w, "Clave='A'");
+    EXPECT_EQ(w, " WHERE Fecha>='2024-01-01' AND Fecha<='2024-01-31' AND Clave='A'");
+    EXPECT_EQ(kv.SumaWhereAnd("   ", "X=1"), " WHERE X=1");
+}
+
+TEST(CambXXXTest, ReemplazaTodasSinEscapar) {
+    Utilerias u;
+    EXPECT_EQ(u.CambXXX("Fecha>='XXX' AND Fecha<='XXX'", "2024-01-01"),
+              "Fecha>='2024-01-01' AND Fecha<='2024-01-01'");
+    EXPECT_EQ(u.CambXXX("Clave='XXX'", "O'Hara"), "Clave='O'Hara'");
+    EXPECT_EQ(u.CambXXX("sin marcador", "v"), "sin marcador");
+    EXPECT_EQ(u.CambXXX("XXXX", "a"), "aX");
+    EXPECT_EQ(u.CambXXX("XXX", "XXX"), "XXX");
+    EXPECT_EQ(u.SQLseguro("O'Hara\\"), "O''Hara\\\\");
+}
+
+TEST(PorcentajeTest, AcotadoEntreCeroYCien) {
+    LibKRVM kv;
+    EXPECT_EQ(kv.Porcentaje(1, 3), 33);
+    EXPECT_EQ(kv.Porcentaje(3, 3), 100);
+    EXPECT_EQ(kv.Porcentaje(5, 3), 100);
+    EXPECT_EQ(kv.Porcentaje(1, 0), 0);
+    EXPECT_EQ(kv.Porcentaje(-1, 10), 0);
+}
+
+TEST(TeclasTest, EnterSeConsumeYFlechasMueven) {
+    LibKRVM kv;
+    std::int16_t k = 13;
+    EXPECT_TRUE(kv.Enter(k));
+    EXPECT_EQ(k, 0);
+    k = 65;
+    EXPECT_FALSE(kv.Enter(k));
+    EXPECT_EQ(k, 65);
+    EXPECT_TRUE(kv.Teclas(40, 0));
+    EXPECT_FALSE(kv.Teclas(40, 1));
+}
+
+TEST(NoNullTest, NuloSegunTipo) {
+    LibKRVM kv;
+    EXPECT_EQ(kv.NoNull(host::Valor::Nulo(host::TipoCampo::Decimal)), "0");
+    EXPECT_EQ(kv.NoNull(host::Valor::Nulo()), "");
+    EXPECT_EQ(kv.NoNull(host::Valor("x")), "x");
+}
+
+}  // namespace
+}  // namespace paratzorep::toolkit
