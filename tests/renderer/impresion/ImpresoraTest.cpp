@@ -292,8 +292,9 @@ TEST_F(ImpresoraTest, SinServidorPorLaVariableCupsServer) {
 }
 
 TEST_F(ImpresoraTest, ArchivoFaltante) {
-    EXPECT_EQ(Falla({carpeta_ / "no-existe.pdf", "x"}), ErrorImpresion::Motivo::ArchivoFaltante);
-    EXPECT_EQ(Falla({carpeta_, "x"}), ErrorImpresion::Motivo::ArchivoFaltante);
+    EXPECT_EQ(Falla({carpeta_ / "no-existe.pdf", "x", 1, "", ""}),
+              ErrorImpresion::Motivo::ArchivoFaltante);
+    EXPECT_EQ(Falla({carpeta_, "x", 1, "", ""}), ErrorImpresion::Motivo::ArchivoFaltante);
 }
 
 TEST_F(ImpresoraTest, ImpresoraDesconocidaOSinPredeterminada) {
