@@ -61,6 +61,9 @@ ConexionMaria::ConexionMaria(DatosConexion datos) : datos_(std::move(datos)) {
     mysql_optionsv(mysql_, MYSQL_SET_CHARSET_NAME, "utf8mb4");
     unsigned espera = datos_.segundosEspera;
     mysql_optionsv(mysql_, MYSQL_OPT_CONNECT_TIMEOUT, &espera);
+    // The system's SQL was written for the permissive mode (empty texts into numbers, zero
+    // dates); every server is asked for it so that all behave like the private one.
+    mysql_optionsv(mysql_, MYSQL_INIT_COMMAND, "SET SESSION sql_mode='NO_ENGINE_SUBSTITUTION'");
     // The server's own defaults, never the ones in /etc/mysql.
     const bool porSocket = !datos_.servidor.empty() && datos_.servidor.front() == '/';
     const char* host = porSocket ? "localhost" : datos_.servidor.c_str();

@@ -229,6 +229,15 @@ TEST_F(BaseDDMariaTest, AbrirBdDSinNombreAbreLaGeneral) {
     EXPECT_EQ(rs["base"].Texto(), "generaltanzo");
 }
 
+TEST_F(BaseDDMariaTest, ModoPermisivoEnCualquierServidor) {
+    // Empty text into a number and a zero date go in as the system expects, even where the
+    // server's default mode is strict.
+    base->Executar(cn, "INSERT INTO sinclave VALUES ('z','')");
+    base->Executar(cn, "UPDATE clientes SET Alta='0000-00-00' WHERE Clave='A1'");
+    EXPECT_EQ(base->LastRec(cn, "sinclave WHERE Numero=0"), 1);
+    EXPECT_EQ(base->LastRec(cn, "clientes WHERE Alta='0000-00-00'"), 2);
+}
+
 TEST_F(BaseDDMariaTest, AbrirDataSourceDaLasColumnasPedidas) {
     host::Recordset rs;
     ASSERT_TRUE(base->AbrirDataSource(rs, cn, "clientes ORDER BY Clave", "Clave,Nombre"));
