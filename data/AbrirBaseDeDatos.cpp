@@ -3,6 +3,7 @@
 #include "data/ConexionInterna.h"
 #include "host/Interaccion.h"
 #include "session/Sesion.h"
+#include "session/SuModulo.h"
 
 namespace paratzorep::data {
 
@@ -65,7 +66,7 @@ bool AbrirBaseDeDatos(host::BaseDD& base, host::DatosConecte& datos, host::Conex
         datos.xBaseDD = nombre;
         // The remote server is not tried again in this session.
         datos.xServidor.clear();
-        host::interaccion().Mensaje("Atención", mensaje, host::Icono::Critico);
+        session::Mensaje(mensaje, "Atención", host::Icono::Critico);
     }
 }
 
