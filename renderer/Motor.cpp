@@ -354,6 +354,24 @@ void Motor::Renderiza() {
         *datos.cursor, p, parametros,
         datos.seleccionAplicada || seleccion.vacia() ? nullptr : &seleccion);
     ListaPaginas lista;
+    static std::atomic<int> contador{0};
+    std::string carpetaVista;
+    if (destino_ == 0) {
+        carpetaVista = carpetaVista_;
+        if (carpetaVista.empty())
+            carpetaVista = detail::CarpetaTemporal() + "/tzorep-vista-" + std::to_string(getpid()) +
+                           "-" + std::to_string(++contador);
+        // The first page is shown as soon as it is laid out, its total still unknown;
+        // the replay below writes it again with the total.
+        maquetador.AlCerrarPagina([&](int paginas) {
+            if (paginas != 1) return;
+            PngEscritor png(carpetaVista, medidor);
+            const std::string pendiente = "…";
+            png.Inicia(maquetador.DocumentoSalida());
+            png.Pagina(lista.Lee(0, medidor, &pendiente));
+            png.Termina();
+        });
+    }
     auto r = maquetador.Maqueta(fuente, lista);
     datos.cursor.reset();  // the connection goes before the slow part, the output
     resultado_.paginas = r.paginas;
@@ -361,13 +379,8 @@ void Motor::Renderiza() {
     Documento doc = maquetador.DocumentoSalida();
     if (!titulo_.empty()) doc.titulo = titulo_;
 
-    static std::atomic<int> contador{0};
     if (destino_ == 0) {
-        std::string carpeta = carpetaVista_;
-        if (carpeta.empty())
-            carpeta = detail::CarpetaTemporal() + "/tzorep-vista-" + std::to_string(getpid()) +
-                      "-" + std::to_string(++contador);
-        PngEscritor png(carpeta, medidor);
+        PngEscritor png(carpetaVista, medidor);
         TxtEscritor txt(salidaPantalla_ ? *salidaPantalla_ : std::cout, "\f");
         lista.Reproduce(doc, medidor, {&png, &txt});
         for (int i = 1; i <= r.paginas; ++i) resultado_.archivos.push_back(png.ArchivoPagina(i));

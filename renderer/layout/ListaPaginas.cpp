@@ -235,7 +235,7 @@ void ListaPaginas::Agrega(const PaginaEnConstruccion& pagina) {
     tamano_ += bufer_.size();
 }
 
-Pagina ListaPaginas::Lee(int indice, Medidor& medidor) {
+Pagina ListaPaginas::Lee(int indice, Medidor& medidor, const std::string* totalProvisional) {
     if (indice < 0 || indice >= Total()) throw std::out_of_range("página fuera de rango");
     if (!leyendo_) {
         if (std::fflush(archivo_.get()) != 0)
@@ -254,7 +254,7 @@ Pagina ListaPaginas::Lee(int indice, Medidor& medidor) {
         throw ErrorEscritura("No se pudo leer el archivo temporal de páginas");
     PaginaEnConstruccion pc = detail::Deserializa(bufer_.data(), n);
 
-    const std::string total = std::to_string(Total());
+    const std::string total = totalProvisional ? *totalProvisional : std::to_string(Total());
     for (auto i : pc.pendientes) {
         if (i >= pc.pagina.textos.size()) continue;
         ElementoTexto& t = pc.pagina.textos[i];

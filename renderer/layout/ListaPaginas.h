@@ -36,8 +36,9 @@ class ListaPaginas {
     std::uint64_t Bytes() const { return tamano_; }
 
     // Reads page `indice` (0-based) back, with the total page count put in place and the
-    // affected texts measured and aligned again with `medidor`.
-    Pagina Lee(int indice, Medidor& medidor);
+    // affected texts measured and aligned again with `medidor`. `totalProvisional`, when
+    // given, stands for the total while the layout is still running (an early preview).
+    Pagina Lee(int indice, Medidor& medidor, const std::string* totalProvisional = nullptr);
 
     // Hands every page, in order, to each writer: Inicia, Pagina..., Termina.
     void Reproduce(const Documento& documento, Medidor& medidor,

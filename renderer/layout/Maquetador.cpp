@@ -157,6 +157,7 @@ struct Maquetador::Impl {
 
     // Layout state
     ListaPaginas* salida = nullptr;
+    std::function<void(int)> aviso;
     FuenteFilas* fuente = nullptr;
     std::deque<std::vector<Valor>> adelantadas;  // rows read ahead for keep-together
     PaginaEnConstruccion pagina;
@@ -475,6 +476,7 @@ struct Maquetador::Impl {
             Coloca(bpPagina, top, p.pagina.alto - p.pagina.margenInferior);
         }
         salida->Agrega(pagina);
+        if (aviso) aviso(numeroPagina);
     }
 
     double cuerpoInicio = 0;  // where the body starts on the current page
@@ -714,6 +716,10 @@ const std::vector<Referencia>& Maquetador::Referencias() const {
 
 ResultadoMaquetado Maquetador::Maqueta(FuenteFilas& filas, ListaPaginas& salida) {
     return impl_->Ejecuta(filas, salida);
+}
+
+void Maquetador::AlCerrarPagina(std::function<void(int)> aviso) {
+    impl_->aviso = std::move(aviso);
 }
 
 Documento Maquetador::DocumentoSalida() const {

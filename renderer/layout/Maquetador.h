@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <ctime>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -55,6 +56,10 @@ class Maquetador {
     const std::vector<Referencia>& Referencias() const;
 
     ResultadoMaquetado Maqueta(FuenteFilas& filas, ListaPaginas& salida);
+
+    // Called with the page count each time a page is complete (for an early preview of
+    // the first page while the rest is still being laid out).
+    void AlCerrarPagina(std::function<void(int)> aviso);
 
     // The document description for the writers (page size, fonts), valid after Maqueta.
     Documento DocumentoSalida() const;

@@ -105,6 +105,15 @@ struct Medidor::Impl {
             }
         }
         g.avance = avance;
+        // The advance that cairo itself will use when drawing the glyph: a PDF then needs
+        // no per-glyph position corrections, and measuring and drawing agree exactly.
+        if (g.fuente) {
+            cairo_scaled_font_t* sf = pango_cairo_font_get_scaled_font(PANGO_CAIRO_FONT(g.fuente));
+            cairo_glyph_t cg{g.glifo, 0, 0};
+            cairo_text_extents_t ext;
+            cairo_scaled_font_glyph_extents(sf, &cg, 1, &ext);
+            if (cairo_scaled_font_status(sf) == CAIRO_STATUS_SUCCESS) g.avance = ext.x_advance;
+        }
         return g;
     }
 
@@ -130,6 +139,8 @@ Medidor::Medidor() : impl_(std::make_unique<Impl>()) {
     pango_cairo_context_set_font_options(impl_->contexto.get(), opciones);
     cairo_font_options_destroy(opciones);
     pango_cairo_context_set_resolution(impl_->contexto.get(), 72.0);
+    // At 72 dpi a pixel is a point: rounded positions would move glyphs by up to half a point.
+    pango_context_set_round_glyph_positions(impl_->contexto.get(), FALSE);
     impl_->layout.reset(pango_layout_new(impl_->contexto.get()));
 }
 
@@ -274,17 +285,24 @@ void Medidor::Glifos(std::uint16_t fuente, std::string_view texto, double x, dou
                      std::vector<CorridaGlifos>& salida) {
     auto& f = impl_->Cargada(fuente);
     PangoFont* actual = nullptr;
+    CorridaGlifos* corrida = nullptr;
     for (std::size_t i = 0; i < texto.size();) {
         char32_t c = detail::SiguienteCaracter(texto, i);
         const detail::Glifo& g = impl_->GlifoDe(f, c);
         if (g.fuente && c != ' ') {
-            if (g.fuente != actual || salida.empty()) {
+            if (g.fuente != actual || !corrida) {
                 actual = g.fuente;
                 cairo_scaled_font_t* sf =
                     pango_cairo_font_get_scaled_font(PANGO_CAIRO_FONT(g.fuente));
-                if (salida.empty() || salida.back().fuente != sf) salida.push_back({sf, {}});
+                corrida = nullptr;
+                for (auto& c2 : salida)
+                    if (c2.fuente == sf) corrida = &c2;
+                if (!corrida) {
+                    salida.push_back({sf, {}});
+                    corrida = &salida.back();
+                }
             }
-            salida.back().glifos.push_back({g.glifo, x, yBase});
+            corrida->glifos.push_back({g.glifo, x, yBase});
         }
         x += g.avance;
     }

@@ -50,7 +50,8 @@ class Medidor {
     std::vector<RenglonTexto> Parte(std::uint16_t fuente, std::string_view texto, double ancho,
                                     Alineacion alineacion, bool multilinea);
 
-    // Glyphs of a line with its start at (x, y_base), grouped by cairo font.
+    // Glyphs of a line with its start at (x, y_base), appended to the run of their cairo
+    // font in `salida` (one run per font, whatever the order of the calls).
     void Glifos(std::uint16_t fuente, std::string_view texto, double x, double yBase,
                 std::vector<CorridaGlifos>& salida);
 
