@@ -67,7 +67,12 @@ bool EsTextoSql(std::string_view fuente) {
 
 std::string TablaDeFuente(std::string_view fuente) {
     if (EsTextoSql(fuente)) return {};
-    return PrimeraPalabra(fuente);
+    // The bare name: quotes around the name or its parts are the caller's, not the name's.
+    std::string nombre;
+    for (char c : PrimeraPalabra(fuente)) {
+        if (c != '`' && c != '"') nombre += c;
+    }
+    return nombre;
 }
 
 std::string SqlDeFuente(std::string_view fuente, std::string_view columnas) {
