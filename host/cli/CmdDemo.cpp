@@ -1,11 +1,229 @@
-#include <iostream>
+// tzorep db demo [--scale N] [--seed S]: (re)creates the demo company "datos1",
+// the general database and the reports work database on the private server,
+// loads the template sources and writes the home's tzorep.ini.
+#include <unistd.h>
 
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "data/ServidorPrivado.h"
 #include "host/cli/Commands.h"
+#include "schema/Esquema.h"
+#include "schema/GeneradorDemo.h"
 
 namespace paratzorep::cli {
 
-int cmdDbDemo(const Contexto&, const std::vector<std::string>&) {
-    std::cerr << "tzorep: db demo no está disponible todavía\n";
+namespace detail {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kBaseEmpresa = "datos1";
+constexpr const char* kBaseGeneral = "generaltanzo";
+constexpr const char* kBaseReportes = "tanzoreportes";
+
+int usoDemo(const std::string& mensaje) {
+    std::cerr << "tzorep: " << mensaje << "\n"
+              << "Uso: tzorep [--home CARPETA] db demo [--scale N] [--seed S]\n"
+              << "  --scale N  tamaño de la empresa, de 1 a 1000 (1: unas 100 mil partidas)\n"
+              << "  --seed S   semilla; la misma semilla da los mismos datos\n";
+    return 2;
+}
+
+// Parses a whole decimal number within [minimo, maximo].
+bool leeEntero(const std::string& texto, unsigned long long minimo, unsigned long long maximo,
+               unsigned long long& valor) {
+    if (texto.empty() || texto.size() > 20) return false;
+    unsigned long long v = 0;
+    for (char c : texto) {
+        if (c < '0' || c > '9') return false;
+        const unsigned long long d = static_cast<unsigned long long>(c - '0');
+        if (v > (~0ULL - d) / 10) return false;
+        v = v * 10 + d;
+    }
+    if (v < minimo || v > maximo) return false;
+    valor = v;
+    return true;
+}
+
+std::string conBarra(const fs::path& p) {
+    std::string s = p.string();
+    if (s.empty() || s.back() != '/') s += '/';
+    return s;
+}
+
+// The home's start-up values for the host: paths under the home, the company
+// database on the private server, no remote company server.
+void escribeIni(const fs::path& home, const data::DatosServidor& d) {
+    const std::vector<std::string> carpetas = {"rpts", "editarpts", "pdfs", "imgs"};
+    for (const auto& c : carpetas) fs::create_directories(home / c);
+    const fs::path ini = home / "tzorep.ini";
+    const fs::path tmp = home / "tzorep.ini.tmp";
+    {
+        std::ofstream f(tmp, std::ios::trunc);
+        if (!f) throw std::runtime_error("No se pudo escribir " + tmp.string());
+        f << "; Valores iniciales de tzorep, escritos por 'tzorep db demo'.\n"
+          << "[Iniciales]\n"
+          << "RutaTanzo=" << conBarra(home) << "\n"
+          << "RutaRpts=" << conBarra(home / "rpts") << "\n"
+          << "RutaEditaRpts=" << conBarra(home / "editarpts") << "\n"
+          << "RutaPDFs=" << conBarra(home / "pdfs") << "\n"
+          << "RutaImgs=" << conBarra(home / "imgs") << "\n"
+          << "ArchivoINI=" << ini.string() << "\n"
+          << "UserUsuario=ADMIN\n"
+          << "IdDelUs=1\n"
+          << "ClaveEmpresa=DEMO\n"
+          << "VersionDeEste=5.3.004\n"
+          << "DiasParaReportes=0\n"
+          << "VistaPrevia=0\n"
+          << "\n[BaseDD]\n"
+          << "cRuta=" << d.host << "\n"
+          << "cUsuario=" << d.usuario << "\n"
+          << "cPassword=" << d.password << "\n"
+          << "cPuerto=" << d.puerto << "\n"
+          << "cMiBase=" << kBaseEmpresa << "\n"
+          << "\n[DatosConecte]\n"
+          << "xServidor=\n"
+          << "xUsuario=\n"
+          << "xPassWord=\n"
+          << "xPuerto=0\n"
+          << "xBaseDD=\n";
+        if (!f.flush()) throw std::runtime_error("No se pudo escribir " + tmp.string());
+    }
+    fs::permissions(tmp, fs::perms::owner_read | fs::perms::owner_write);
+    fs::rename(tmp, ini);
+}
+
+// Bytes on disk of one database's folder in the server's data folder.
+unsigned long long tamanioBase(const fs::path& datadir, const std::string& base) {
+    unsigned long long total = 0;
+    std::error_code ec;
+    for (const auto& e : fs::recursive_directory_iterator(datadir / base, ec))
+        if (e.is_regular_file(ec)) total += e.file_size(ec);
+    return total;
+}
+
+std::string enMegas(unsigned long long bytes) {
+    char b[32];
+    std::snprintf(b, sizeof b, "%.1f MB", static_cast<double>(bytes) / (1024.0 * 1024.0));
+    return b;
+}
+
+}  // namespace detail
+
+int cmdDbDemo(const Contexto& ctx, const std::vector<std::string>& args) {
+    namespace fs = std::filesystem;
+    schema::OpcionesDemo op;
+    op.baseEmpresa = detail::kBaseEmpresa;
+    op.baseGeneral = detail::kBaseGeneral;
+    for (size_t i = 0; i < args.size(); ++i) {
+        std::string a = args[i], valor;
+        const auto igual = a.find('=');
+        if (a.rfind("--", 0) == 0 && igual != std::string::npos) {
+            valor = a.substr(igual + 1);
+            a = a.substr(0, igual);
+        } else if (a == "--scale" || a == "--seed") {
+            if (i + 1 >= args.size()) return detail::usoDemo("falta el valor de " + a);
+            valor = args[++i];
+        } else {
+            return detail::usoDemo("argumento desconocido: " + a);
+        }
+        unsigned long long v = 0;
+        if (a == "--scale") {
+            if (!detail::leeEntero(valor, 1, 1000, v))
+                return detail::usoDemo("la escala debe ser un número entero de 1 a 1000: '" +
+                                       valor + "'");
+            op.escala = static_cast<int>(v);
+        } else if (a == "--seed") {
+            if (!detail::leeEntero(valor, 0, ~0ULL, v))
+                return detail::usoDemo("la semilla debe ser un número entero no negativo: '" +
+                                       valor + "'");
+            op.semilla = v;
+        } else {
+            return detail::usoDemo("argumento desconocido: " + args[i]);
+        }
+    }
+
+    const auto t0 = std::chrono::steady_clock::now();
+    const bool terminal = ::isatty(STDERR_FILENO) != 0;
+    op.progreso = [&](std::string_view texto) {
+        const double s =
+            std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
+        char t[32];
+        std::snprintf(t, sizeof t, "%6.1f s  ", s);
+        std::cerr << (terminal ? "\r\033[K" : "") << t << texto << (terminal ? "" : "\n")
+                  << std::flush;
+    };
+    try {
+        data::ServidorPrivado servidor(ctx.home);
+        data::EstadoServidor estado = servidor.estado();
+        data::DatosServidor datos;
+        if (estado.corriendo && estado.datos) {
+            datos = *estado.datos;
+        } else {
+            std::cerr << "Iniciando el servidor privado en " << ctx.home.string() << "\n";
+            datos = servidor.iniciar();
+        }
+        auto conexion = schema::Conexion::abrir(datos);
+        const fs::path esquemas = schema::carpetaEsquemas();
+        op.progreso("Creando las bases de datos");
+        schema::recrearBase(conexion, detail::kBaseGeneral, esquemas / "generaltanzo.sql");
+        schema::recrearBase(conexion, detail::kBaseReportes, esquemas / "tanzoreportes.sql");
+        schema::recrearBase(conexion, detail::kBaseEmpresa, esquemas / "empresa.sql");
+        const auto conteos = schema::generarDemo(conexion, op);
+        op.progreso("Cargando las plantillas");
+        const int plantillas = schema::cargarPlantillas(conexion, detail::kBaseEmpresa,
+                                                        fs::path(TZ_SOURCE_DIR) / "templates");
+        detail::escribeIni(ctx.home, datos);
+        if (terminal) std::cerr << "\r\033[K";
+        const double segundos =
+            std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
+
+        // Summary: the main tables with their rows, time and size on disk.
+        std::map<std::string, long long> porTabla;
+        long long total = 0;
+        for (const auto& [tabla, filas] : conteos) {
+            const auto punto = tabla.find("`.");
+            porTabla[punto == std::string::npos ? tabla : tabla.substr(punto + 2)] += filas;
+            total += filas;
+        }
+        std::cout << "Empresa de demostración creada (escala " << op.escala << ", semilla "
+                  << op.semilla << ", del " << schema::kFechaInicialDemo << " al "
+                  << schema::kFechaFinalDemo << ")\n";
+        const std::string datadir = conexion.valor("SELECT @@datadir");
+        unsigned long long bytes = 0;
+        for (const char* b : {detail::kBaseEmpresa, detail::kBaseGeneral, detail::kBaseReportes}) {
+            const auto t = detail::tamanioBase(datadir, b);
+            bytes += t;
+            std::cout << "  base " << b << ": " << detail::enMegas(t) << "\n";
+        }
+        for (const char* t :
+             {"clientes", "proveedores", "productos", "facturas", "facturasdetalle", "remisiones",
+              "remisionesdetalle", "tickets", "ticketsdetalle", "edoctacli", "anexopagosctes",
+              "cxc", "compras", "historicoalmacen", "bitacorausuarios"}) {
+            char linea[96];
+            std::snprintf(linea, sizeof linea, "  %-20s %10lld\n", t, porTabla[t]);
+            std::cout << linea;
+        }
+        char fin[160];
+        std::snprintf(fin, sizeof fin,
+                      "  %lld filas en %zu tablas, %d plantillas, %.1f s, %s en disco\n", total,
+                      porTabla.size(), plantillas, segundos, detail::enMegas(bytes).c_str());
+        std::cout << fin << "  " << (ctx.home / "tzorep.ini").string() << " escrito\n";
+        return 0;
+    } catch (const data::ErrorServidor& e) {
+        std::cerr << "\ntzorep: " << e.what() << "\n";
+        if (!e.registro().empty()) std::cerr << e.registro() << "\n";
+    } catch (const schema::ErrorEsquema& e) {
+        std::cerr << "\ntzorep: no se pudo crear la empresa de demostración: " << e.what() << "\n";
+    } catch (const std::exception& e) {
+        std::cerr << "\ntzorep: no se pudo crear la empresa de demostración: " << e.what() << "\n";
+    }
     return 1;
 }
 
