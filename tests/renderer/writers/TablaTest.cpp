@@ -7,6 +7,7 @@
 #include <iterator>
 #include <map>
 
+#include "Documentos.h"
 #include "Lector.h"
 #include "renderer/writers/ArchivoCsv.h"
 #include "renderer/writers/ErrorEscritura.h"
@@ -17,6 +18,7 @@ namespace paratzorep::renderer {
 namespace {
 
 using prueba::CarpetaTemporal;
+using namespace prueba;
 using Lineas = std::vector<std::vector<std::string>>;
 
 Lineas Leer(const std::string& modo, const std::filesystem::path& archivo) {
@@ -190,75 +192,6 @@ TEST_F(LibroXlsxTest, CarpetaInexistenteNoDejaNada) {
     libro.Fila(std::vector{CeldaTabla::Numero(1)});
     EXPECT_THROW(libro.Cerrar(), ErrorEscritura);
     EXPECT_TRUE(std::filesystem::is_empty(carpeta.ruta()));
-}
-
-// A two-page report in the page model: title and column heads in the page header,
-// three detail rows, a group footer total and a page footer.
-ElementoTexto Texto(TipoBanda tipo, std::uint32_t banda, double x, double y, double ancho,
-                    std::string texto, Alineacion al = Alineacion::Izquierda) {
-    ElementoTexto e;
-    e.x = x;
-    e.y = y;
-    e.ancho = ancho;
-    e.alto = 12;
-    e.tipoBanda = tipo;
-    e.banda = banda;
-    e.alineacion = al;
-    double medido = 5.0 * static_cast<double>(texto.size());
-    double dx = al == Alineacion::Derecha ? ancho - medido : 0;
-    e.renglones.push_back({std::move(texto), dx, medido});
-    return e;
-}
-
-ElementoTexto Numero(TipoBanda tipo, std::uint32_t banda, double x, double y, double ancho,
-                     double valor, std::string mostrado) {
-    auto e = Texto(tipo, banda, x, y, ancho, std::move(mostrado), Alineacion::Derecha);
-    e.tipo = TipoValor::Numero;
-    e.numero = valor;
-    e.formato = "#,##0.00";
-    e.fuente = tipo == TipoBanda::PieGrupo ? 1 : 0;
-    return e;
-}
-
-void Reporte(Escritor& escritor) {
-    Documento doc;
-    doc.titulo = "Saldos de clientes";
-    doc.fuentes = {Fuente{}, Fuente{"DejaVu Sans", 9, true}};
-    doc.totalPaginas = 2;
-    escritor.Inicia(doc);
-    auto encabezado = [](std::uint32_t banda, std::vector<ElementoTexto>& t) {
-        t.push_back(Texto(TipoBanda::EncabezadoPagina, banda, 40, 30, 500, "Saldos de clientes",
-                          Alineacion::Centro));
-        t.push_back(Texto(TipoBanda::EncabezadoPagina, banda, 40, 60, 60, "Fecha"));
-        t.push_back(Texto(TipoBanda::EncabezadoPagina, banda, 110, 60, 200, "Cliente"));
-        t.push_back(
-            Texto(TipoBanda::EncabezadoPagina, banda, 420, 60, 80, "Saldo", Alineacion::Derecha));
-    };
-    auto detalle = [](std::uint32_t banda, double y, double fecha, std::string cliente,
-                      double saldo, std::string mostrado, std::vector<ElementoTexto>& t) {
-        auto f = Texto(TipoBanda::Detalle, banda, 40, y, 60, "fecha");
-        f.tipo = TipoValor::Fecha;
-        f.numero = fecha;
-        f.formato = "dd/mm/yyyy";
-        t.push_back(f);
-        t.push_back(Texto(TipoBanda::Detalle, banda, 110, y, 200, std::move(cliente)));
-        t.push_back(Numero(TipoBanda::Detalle, banda, 420, y, 80, saldo, std::move(mostrado)));
-    };
-    Pagina p1;
-    encabezado(1, p1.textos);
-    detalle(2, 80, SerieFecha(2024, 1, 2), "Pérez, Juan", 1500.5, "1,500.50", p1.textos);
-    detalle(3, 92, SerieFecha(2024, 1, 3), "Ñúñez", -20, "-20.00", p1.textos);
-    p1.textos.push_back(Texto(TipoBanda::PiePagina, 4, 40, 800, 100, "Página 1 de 2"));
-    escritor.Pagina(p1);
-    Pagina p2;
-    p2.numero = 2;
-    encabezado(5, p2.textos);
-    detalle(6, 80, SerieFecha(2024, 1, 4), "García", 0.25, "0.25", p2.textos);
-    p2.textos.push_back(Texto(TipoBanda::PieGrupo, 7, 300, 100, 100, "Total:"));
-    p2.textos.push_back(Numero(TipoBanda::PieGrupo, 7, 420, 100, 80, 1480.75, "1,480.75"));
-    p2.textos.push_back(Texto(TipoBanda::PiePagina, 8, 40, 800, 100, "Página 2 de 2"));
-    escritor.Pagina(p2);
-    escritor.Termina();
 }
 
 TEST(EscritorTabla, CsvTieneSoloLosRenglonesDeDetalle) {

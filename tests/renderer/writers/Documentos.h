@@ -1,0 +1,161 @@
+// Sample reports in the page model, shared by the writer tests, and the PDF word
+// reader used to check where LibreOffice put the texts.
+#pragma once
+
+#include <cstdio>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "Lector.h"
+#include "renderer/writers/Escritor.h"
+#include "renderer/writers/SalidaTabular.h"
+
+namespace paratzorep::renderer::prueba {
+
+// Words of a PDF with their boxes, through pdftotext.
+// A two-page report in the page model: title and column heads in the page header,
+// three detail rows, a group footer total and a page footer.
+inline ElementoTexto Texto(TipoBanda tipo, std::uint32_t banda, double x, double y, double ancho,
+                           std::string texto, Alineacion al = Alineacion::Izquierda) {
+    ElementoTexto e;
+    e.x = x;
+    e.y = y;
+    e.ancho = ancho;
+    e.alto = 12;
+    e.tipoBanda = tipo;
+    e.banda = banda;
+    e.alineacion = al;
+    double medido = 5.0 * static_cast<double>(texto.size());
+    double dx = al == Alineacion::Derecha ? ancho - medido : 0;
+    e.renglones.push_back({std::move(texto), dx, medido});
+    return e;
+}
+
+inline ElementoTexto Numero(TipoBanda tipo, std::uint32_t banda, double x, double y, double ancho,
+                            double valor, std::string mostrado) {
+    auto e = Texto(tipo, banda, x, y, ancho, std::move(mostrado), Alineacion::Derecha);
+    e.tipo = TipoValor::Numero;
+    e.numero = valor;
+    e.formato = "#,##0.00";
+    e.fuente = tipo == TipoBanda::PieGrupo ? 1 : 0;
+    return e;
+}
+
+inline void Reporte(Escritor& escritor) {
+    Documento doc;
+    doc.titulo = "Saldos de clientes";
+    doc.fuentes = {Fuente{}, Fuente{"DejaVu Sans", 9, true}};
+    doc.totalPaginas = 2;
+    escritor.Inicia(doc);
+    auto encabezado = [](std::uint32_t banda, std::vector<ElementoTexto>& t) {
+        t.push_back(Texto(TipoBanda::EncabezadoPagina, banda, 40, 30, 500, "Saldos de clientes",
+                          Alineacion::Centro));
+        t.push_back(Texto(TipoBanda::EncabezadoPagina, banda, 40, 60, 60, "Fecha"));
+        t.push_back(Texto(TipoBanda::EncabezadoPagina, banda, 110, 60, 200, "Cliente"));
+        t.push_back(
+            Texto(TipoBanda::EncabezadoPagina, banda, 420, 60, 80, "Saldo", Alineacion::Derecha));
+    };
+    auto detalle = [](std::uint32_t banda, double y, double fecha, std::string cliente,
+                      double saldo, std::string mostrado, std::vector<ElementoTexto>& t) {
+        auto f = Texto(TipoBanda::Detalle, banda, 40, y, 60, "fecha");
+        f.tipo = TipoValor::Fecha;
+        f.numero = fecha;
+        f.formato = "dd/mm/yyyy";
+        t.push_back(f);
+        t.push_back(Texto(TipoBanda::Detalle, banda, 110, y, 200, std::move(cliente)));
+        t.push_back(Numero(TipoBanda::Detalle, banda, 420, y, 80, saldo, std::move(mostrado)));
+    };
+    Pagina p1;
+    encabezado(1, p1.textos);
+    detalle(2, 80, SerieFecha(2024, 1, 2), "Pérez, Juan", 1500.5, "1,500.50", p1.textos);
+    detalle(3, 92, SerieFecha(2024, 1, 3), "Ñúñez", -20, "-20.00", p1.textos);
+    p1.textos.push_back(Texto(TipoBanda::PiePagina, 4, 40, 800, 100, "Página 1 de 2"));
+    escritor.Pagina(p1);
+    Pagina p2;
+    p2.numero = 2;
+    encabezado(5, p2.textos);
+    detalle(6, 80, SerieFecha(2024, 1, 4), "García", 0.25, "0.25", p2.textos);
+    p2.textos.push_back(Texto(TipoBanda::PieGrupo, 7, 300, 100, 100, "Total:"));
+    p2.textos.push_back(Numero(TipoBanda::PieGrupo, 7, 420, 100, 80, 1480.75, "1,480.75"));
+    p2.textos.push_back(Texto(TipoBanda::PiePagina, 8, 40, 800, 100, "Página 2 de 2"));
+    escritor.Pagina(p2);
+    escritor.Termina();
+}
+
+// Two A4 pages of 40 rows: date, client (left aligned) and amount (right aligned
+// at x = 500), under a bold centred title.
+constexpr int kFilas = 40;
+
+inline std::string Cliente(int i) {
+    return i % 2 ? "Pérez, Juan {x}" : "Ñúñez & Cía";
+}
+inline std::string Importe(int i) {
+    char buf[32];
+    std::snprintf(buf, sizeof buf, "%.2f", i * 1234.5);
+    return buf;
+}
+
+inline void Escribir(Escritor& w) {
+    Documento d;
+    d.titulo = "Saldos";
+    d.fuentes = {Fuente{}, Fuente{"DejaVu Sans", 12, true}};
+    d.margenIzquierdo = d.margenSuperior = d.margenDerecho = d.margenInferior = 36;
+    d.totalPaginas = 2;
+    w.Inicia(d);
+    for (int pg = 1; pg <= 2; ++pg) {
+        renderer::Pagina p;
+        p.numero = pg;
+        auto t = [&p](double x, double y, double ancho, std::string s, Alineacion a, int f = 0) {
+            ElementoTexto e;
+            e.x = x;
+            e.y = y;
+            e.ancho = ancho;
+            e.alto = 12;
+            e.base = 9;
+            e.fuente = static_cast<std::uint16_t>(f);
+            e.alineacion = a;
+            double m = 5.0 * static_cast<double>(s.size());
+            double dx = a == Alineacion::Derecha  ? ancho - m
+                        : a == Alineacion::Centro ? (ancho - m) / 2
+                                                  : 0;
+            e.renglones.push_back({std::move(s), dx, m});
+            p.textos.push_back(std::move(e));
+        };
+        t(36, 40, 520, "Saldos de clientes — página " + std::to_string(pg), Alineacion::Centro, 1);
+        for (int i = 0; i < kFilas; ++i) {
+            double y = 80 + i * 14;
+            t(420, y, 80, Importe(i), Alineacion::Derecha);
+            t(36, y, 60, std::to_string(10 + i) + "/01/2024", Alineacion::Izquierda);
+            t(110, y, 200, Cliente(i), Alineacion::Izquierda);
+        }
+        w.Pagina(p);
+    }
+    w.Termina();
+}
+
+struct Palabra {
+    int pagina;
+    double x0, y0, x1;
+    std::string texto;
+};
+
+inline std::vector<Palabra> Palabras(const std::filesystem::path& pdf) {
+    auto s = Ejecutar("pdftotext -bbox " + pdf.string() + " -");
+    std::vector<Palabra> r;
+    int pagina = 0;
+    std::regex palabra(
+        R"re(<word xMin="([\d.]+)" yMin="([\d.]+)" xMax="([\d.]+)" yMax="[\d.]+">(.*)</word>)re");
+    std::istringstream in(s.texto);
+    std::string linea;
+    while (std::getline(in, linea)) {
+        if (linea.find("<page ") != std::string::npos) ++pagina;
+        std::smatch m;
+        if (std::regex_search(linea, m, palabra))
+            r.push_back({pagina, std::stod(m[1]), std::stod(m[2]), std::stod(m[3]), m[4]});
+    }
+    return r;
+}
+
+}  // namespace paratzorep::renderer::prueba
