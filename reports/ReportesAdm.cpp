@@ -292,8 +292,23 @@ void OlvidaInstancias() {
     detail::Instancias().clear();
 }
 
+namespace detail {
+
+std::string& CarpetaFijada() {
+    static std::string carpeta;
+    return carpeta;
+}
+
+void FijaCarpetaComponente(std::string carpeta) {
+    if (!carpeta.empty() && carpeta.back() != '/') carpeta += '/';
+    CarpetaFijada() = std::move(carpeta);
+}
+
+}  // namespace detail
+
 std::string CarpetaComponente() {
     namespace fs = std::filesystem;
+    if (!detail::CarpetaFijada().empty()) return detail::CarpetaFijada();
     fs::path archivo;
     Dl_info info{};
     if (dladdr(reinterpret_cast<void*>(&CarpetaComponente), &info) != 0 && info.dli_fname &&

@@ -83,4 +83,10 @@ void OlvidaInstancias();
 // final "/"; the marker file "RepCargosCtes.BND" is looked for there.
 std::string CarpetaComponente();
 
+namespace detail {
+// Makes CarpetaComponente answer `carpeta` ("" restores the real folder); for tests that must
+// not touch the installed folder.
+void FijaCarpetaComponente(std::string carpeta);
+}  // namespace detail
+
 }  // namespace paratzorep::reports
