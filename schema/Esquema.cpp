@@ -8,6 +8,7 @@
 #include <fstream>
 #include <iterator>
 #include <sstream>
+#include <thread>
 
 namespace paratzorep::schema {
 
@@ -32,6 +33,8 @@ Conexion Conexion::abrir(const data::DatosServidor& datos, const std::string& ba
     MYSQL* m = mysql_init(nullptr);
     if (!m) throw ErrorEsquema("No hay memoria para abrir una conexión con el servidor");
     Conexion c(m);
+    c.datos_ = datos;
+    c.base_ = base;
     unsigned tiempo = 10;
     mysql_optionsv(m, MYSQL_OPT_CONNECT_TIMEOUT, &tiempo);
     mysql_optionsv(m, MYSQL_SET_CHARSET_NAME, "utf8mb4");
@@ -110,7 +113,10 @@ void Conexion::usarBase(const std::string& base) {
         throw ErrorEsquema(
             "No se pudo abrir la base de datos '" + base + "': " + mysql_error(mysql_.get()), {},
             mysql_errno(mysql_.get()));
+    base_ = base;
 }
+
+Conexion Conexion::otra() const { return abrir(datos_, base_); }
 
 std::vector<Sentencia> dividirSentencias(std::string_view t, const std::string& archivo) {
     std::vector<Sentencia> out;
@@ -211,27 +217,80 @@ std::filesystem::path carpetaEsquemas() {
     return TZ_SCHEMA_DIR;
 }
 
-void cargarArchivo(Conexion& conexion, const std::filesystem::path& archivo) {
+namespace {
+
+bool esCreateTable(const std::string& sql) {
+    std::string inicio = sql.substr(0, 12);
+    for (auto& c : inicio) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    return inicio == "CREATE TABLE";
+}
+
+ErrorEsquema errorEnArchivo(const std::filesystem::path& archivo, const Sentencia& s,
+                            const ErrorEsquema& e) {
+    return ErrorEsquema(
+        archivo.filename().string() + ", línea " + std::to_string(s.linea) + ": " + e.what(), s.sql,
+        e.codigo(), archivo.string(), s.linea);
+}
+
+// Runs the statements [desde, hasta) spread over the worker connections.
+void enParalelo(std::vector<Conexion>& trabajadores, const std::vector<Sentencia>& ss, size_t desde,
+                size_t hasta, const std::filesystem::path& archivo) {
+    std::vector<std::optional<ErrorEsquema>> errores(trabajadores.size());
+    std::vector<std::string> otros(trabajadores.size());
+    {
+        std::vector<std::jthread> hilos;
+        for (size_t w = 0; w < trabajadores.size(); ++w)
+            hilos.emplace_back([&, w] {
+                for (size_t i = desde + w; i < hasta && !errores[w]; i += trabajadores.size()) {
+                    try {
+                        trabajadores[w].ejecutar(ss[i].sql);
+                    } catch (const ErrorEsquema& e) {
+                        errores[w] = errorEnArchivo(archivo, ss[i], e);
+                    } catch (const std::exception& e) {
+                        otros[w] = e.what();
+                    }
+                }
+            });
+    }
+    for (size_t w = 0; w < trabajadores.size(); ++w) {
+        if (errores[w]) throw *errores[w];
+        if (!otros[w].empty()) throw ErrorEsquema(otros[w]);
+    }
+}
+
+}  // namespace
+
+void cargarArchivo(Conexion& conexion, const std::filesystem::path& archivo, int paralelas) {
     std::ifstream f(archivo, std::ios::binary);
     if (!f)
         throw ErrorEsquema("No se pudo leer el archivo de esquema " + archivo.string(), {}, 0,
                            archivo.string());
     std::stringstream ss;
     ss << f.rdbuf();
-    const std::string texto = ss.str();
-    for (const auto& s : dividirSentencias(texto, archivo.string())) {
+    const auto sentencias = dividirSentencias(ss.str(), archivo.string());
+    std::vector<Conexion> trabajadores;
+    size_t i = 0;
+    while (i < sentencias.size()) {
+        size_t j = i;
+        while (j < sentencias.size() && esCreateTable(sentencias[j].sql)) ++j;
+        if (j - i > 1 && paralelas > 1) {
+            if (trabajadores.empty())
+                for (int w = 0; w < paralelas; ++w) trabajadores.push_back(conexion.otra());
+            enParalelo(trabajadores, sentencias, i, j, archivo);
+            i = j;
+            continue;
+        }
+        const auto& s = sentencias[i++];
         try {
             conexion.ejecutar(s.sql);
         } catch (const ErrorEsquema& e) {
-            throw ErrorEsquema(archivo.filename().string() + ", línea " + std::to_string(s.linea) +
-                                   ": " + e.what(),
-                               s.sql, e.codigo(), archivo.string(), s.linea);
+            throw errorEnArchivo(archivo, s, e);
         }
     }
 }
 
-void recrearBase(Conexion& conexion, const std::string& base,
-                 const std::filesystem::path& archivo) {
+void recrearBase(Conexion& conexion, const std::string& base, const std::filesystem::path& archivo,
+                 int paralelas) {
     if (!nombreDeBaseValido(base))
         throw ErrorEsquema("Nombre de base de datos no válido: '" + base +
                            "' (solo letras, dígitos y guion bajo)");
@@ -242,7 +301,7 @@ void recrearBase(Conexion& conexion, const std::string& base,
     conexion.ejecutar("CREATE DATABASE `" + base +
                       "` CHARACTER SET utf8mb4 COLLATE utf8mb4_general_ci");
     conexion.usarBase(base);
-    cargarArchivo(conexion, archivo);
+    cargarArchivo(conexion, archivo, paralelas);
 }
 
 int cargarPlantillas(Conexion& conexion, const std::string& base,

@@ -4,9 +4,14 @@
 #include <array>
 #include <cctype>
 #include <cmath>
+#include <condition_variable>
 #include <cstdio>
+#include <deque>
+#include <exception>
+#include <mutex>
 #include <numeric>
 #include <stdexcept>
+#include <thread>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -165,10 +170,91 @@ class Renglon {
     std::string s_;
 };
 
+// Runs the INSERT statements on a few connections of their own while the
+// generator goes on: the server's time, not the generator's, dominates a load.
+// Every row carries its key, so the order in which batches land does not change
+// the data.
+class Escritores {
+  public:
+    Escritores(Conexion& origen, int n) {
+        for (int i = 0; i < n; ++i) {
+            conexiones_.push_back(origen.otra());
+            for (const char* sql :
+                 {"SET SESSION unique_checks=0", "SET SESSION foreign_key_checks=0",
+                  "SET SESSION sql_mode='NO_ENGINE_SUBSTITUTION'"})
+                conexiones_.back().ejecutar(sql);
+        }
+        for (auto& c : conexiones_) hilos_.emplace_back([this, &c] { trabaja(c); });
+    }
+    Escritores(const Escritores&) = delete;
+    Escritores& operator=(const Escritores&) = delete;
+    ~Escritores() {
+        {
+            std::lock_guard l(m_);
+            fin_ = true;
+        }
+        hay_.notify_all();
+        for (auto& h : hilos_) h.join();
+    }
+
+    void envia(std::string sql) {
+        std::unique_lock l(m_);
+        espacio_.wait(l, [&] { return cola_.size() < kMaxCola || error_; });
+        if (error_) std::rethrow_exception(error_);
+        cola_.push_back(std::move(sql));
+        hay_.notify_one();
+    }
+
+    // Waits until every statement sent has run; rethrows the first failure.
+    void termina() {
+        std::unique_lock l(m_);
+        espacio_.wait(l, [&] { return (cola_.empty() && ocupados_ == 0) || error_; });
+        if (error_) std::rethrow_exception(error_);
+    }
+
+  private:
+    static constexpr size_t kMaxCola = 6;
+
+    void trabaja(Conexion& c) {
+        for (;;) {
+            std::string sql;
+            {
+                std::unique_lock l(m_);
+                hay_.wait(l, [&] { return !cola_.empty() || fin_; });
+                if (cola_.empty()) return;
+                sql = std::move(cola_.front());
+                cola_.pop_front();
+                ++ocupados_;
+            }
+            std::exception_ptr e;
+            try {
+                c.ejecutar(sql);
+            } catch (...) {
+                e = std::current_exception();
+            }
+            {
+                std::lock_guard l(m_);
+                --ocupados_;
+                if (e && !error_) error_ = e;
+            }
+            espacio_.notify_all();
+        }
+    }
+
+    std::vector<Conexion> conexiones_;
+    std::vector<std::thread> hilos_;
+    std::mutex m_;
+    std::condition_variable hay_, espacio_;
+    std::deque<std::string> cola_;
+    int ocupados_ = 0;
+    bool fin_ = false;
+    std::exception_ptr error_;
+};
+
 class Lote {
   public:
-    Lote(Conexion& c, ConteoFilas& conteos, std::string tabla, std::string columnas)
-        : c_(c), conteos_(conteos), tabla_(std::move(tabla)), columnas_(std::move(columnas)) {
+    Lote(Escritores& e, ConteoFilas& conteos, std::string tabla, std::string columnas)
+        : e_(e), conteos_(conteos), tabla_(std::move(tabla)), columnas_(std::move(columnas)) {
         conteos_[tabla_] += 0;
     }
     Lote(const Lote&) = delete;
@@ -188,15 +274,15 @@ class Lote {
     }
     void termina() {
         if (buf_.empty()) return;
-        c_.ejecutar(buf_);
         conteos_[tabla_] += pendientes_;
         pendientes_ = 0;
+        e_.envia(std::move(buf_));
         buf_.clear();
     }
 
   private:
-    static constexpr size_t kTamLote = 4u << 20;
-    Conexion& c_;
+    static constexpr size_t kTamLote = 2u << 20;
+    Escritores& e_;
     ConteoFilas& conteos_;
     std::string tabla_, columnas_, buf_;
     long long pendientes_ = 0;
@@ -496,7 +582,7 @@ struct Evento {
 
 class Simulacion {
   public:
-    Simulacion(Conexion& c, const OpcionesDemo& op, ConteoFilas& conteos)
+    Simulacion(Escritores& c, const OpcionesDemo& op, ConteoFilas& conteos)
         : c_(c), op_(op), conteos_(conteos), az_(op.semilla), s_(op.escala) {
         fin_ = fechaDeTexto(kFechaFinalDemo);
         inicio_ = op.dias > 0 ? fin_ - op.dias + 1 : fechaDeTexto(kFechaInicialDemo);
@@ -570,7 +656,7 @@ class Simulacion {
                     const std::string& cliente);
     void recibo(const Movimiento& mv);
 
-    Conexion& c_;
+    Escritores& c_;
     const OpcionesDemo& op_;
     ConteoFilas& conteos_;
     Azar az_;
@@ -598,7 +684,7 @@ class Simulacion {
         sigCompra_ = 1, sigCompraNd_ = 1, sigDevCte_ = 1, sigNota_ = 1, sigDevProv_ = 1,
         sigEntrada_ = 1, sigTraspaso_ = 1, sigAjuste_ = 1, sigAjusteRen_ = 1, sigPerdida_ = 1,
         sigSeparacion_ = 1, sigCorte_ = 1, sigAplic_ = 1, sigBitacora_ = 1, sigCheque_ = 1,
-        sigEnvase_ = 1, sigGasto_ = 1, sigTicketId_ = 1;
+        sigEnvase_ = 1, sigGasto_ = 1, sigTicketId_ = 1, sigReciboId_ = 0;
     std::map<std::string, int> movsPorCuentaCli_, movsPorCuentaProv_;
     std::map<std::pair<int, int>, long long> envasesSaldo_;  // (cli, prod) -> thousandths
     std::map<std::pair<int, int>, int> envasesUlt_;
@@ -1009,6 +1095,7 @@ void Simulacion::recibo(const Movimiento& mv) {
     int fecha = mv.fecha;
     if (az_.probable(0.02)) fecha += static_cast<int>(az_.entre(35, 70));  // captured out of range
     recibos_->agrega(Renglon()
+                         .n(++sigReciboId_)
                          .n(numero)
                          .n(mv.id)
                          .f(fecha)
@@ -2548,7 +2635,7 @@ void Simulacion::ejecuta() {
              "Id,FolioDelPago,Tipo,Factura,Remision,Apartado,Cargo,IdFactura,IdRemision,"
              "IdApartado,Cliente,Cantidad,Moneda,CantidadReal,Efectivo,ChequeCuenta,ChequeOtra,"
              "Banco,NumCheque,Saldo,FechaReal,Hora,FechaAplicacion");
-    recibos_ = lote("recibos", "Recibo,IdPago,Fecha,Cliente,Cantidad,Cancelado,Usuario");
+    recibos_ = lote("recibos", "Id,Recibo,IdPago,Fecha,Cliente,Cantidad,Cancelado,Usuario");
     devCtes_ = lote("devolucionctes",
                     "DevolucionCtes,Numero,Serie,Fecha,Hora,Cliente,Tipo,Venta,NotasCredito,"
                     "Cancelada,Moneda,Paridad,Desc1,Desc2,Desc3,Desc4,Desc5,Subtotal,IVA,Total,"
@@ -2644,13 +2731,10 @@ ConteoFilas generarDemo(Conexion& conexion, const OpcionesDemo& opciones) {
         if (!nombreDeBaseValido(*b))
             throw std::invalid_argument("Nombre de base de datos no válido: '" + *b + "'");
     ConteoFilas conteos;
-    conexion.ejecutar("SET SESSION unique_checks=0");
-    conexion.ejecutar("SET SESSION foreign_key_checks=0");
-    conexion.ejecutar("SET SESSION sql_mode='NO_ENGINE_SUBSTITUTION'");
-    detail::Simulacion sim(conexion, opciones, conteos);
+    detail::Escritores escritores(conexion, 3);
+    detail::Simulacion sim(escritores, opciones, conteos);
     sim.ejecuta();
-    conexion.ejecutar("SET SESSION unique_checks=1");
-    conexion.ejecutar("SET SESSION foreign_key_checks=1");
+    escritores.termina();
     return conteos;
 }
 

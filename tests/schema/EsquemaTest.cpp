@@ -295,21 +295,50 @@ TEST(Esquemas, LaBaseGeneralTieneEstructurasEIconos) {
     EXPECT_EQ(b.c().valor("SELECT DECODE(Dato,'527') FROM estructurasm WHERE Id=180"), "ENTRADA");
 }
 
-TEST(Esquemas, UnErrorNombraArchivoLineaYCodigoDelServidor) {
+struct CasoError {
+    const char* nombre;
+    const char* texto;
+    int linea;
+    const char* sql;
+};
+
+void PrintTo(const CasoError& c, std::ostream* os) {
+    *os << c.nombre;
+}
+
+class ErrorDeArchivoTest : public ::testing::TestWithParam<CasoError> {};
+
+TEST_P(ErrorDeArchivoTest, NombraArchivoLineaYCodigoDelServidor) {
+    const auto& c = GetParam();
     pruebas::CarpetaTemporal tmp;
     const auto archivo = tmp / "malo.sql";
-    std::ofstream(archivo) << "CREATE TABLE a (x INT);\n\n-- comentario\nCREATE TABLA b (y INT);\n";
-    BaseTemporal b("mal");
+    std::ofstream(archivo) << c.texto;
+    BaseTemporal b(std::string("mal") + c.nombre);
     try {
         recrearBase(b.c(), b.nombre(), archivo);
         FAIL() << "debió fallar";
     } catch (const ErrorEsquema& e) {
-        EXPECT_EQ(e.linea(), 4);
+        EXPECT_EQ(e.linea(), c.linea);
         EXPECT_EQ(e.codigo(), 1064u);  // syntax error
-        EXPECT_NE(std::string(e.what()).find("malo.sql, línea 4"), std::string::npos) << e.what();
-        EXPECT_EQ(e.sql(), "CREATE TABLA b (y INT)");
+        EXPECT_NE(std::string(e.what()).find("malo.sql, línea " + std::to_string(c.linea)),
+                  std::string::npos)
+            << e.what();
+        EXPECT_EQ(e.sql(), c.sql);
     }
 }
+
+INSTANTIATE_TEST_SUITE_P(
+    Casos, ErrorDeArchivoTest,
+    ::testing::Values(
+        CasoError{"secuencial",
+                  "CREATE TABLE a (x INT);\n\n-- comentario\nCREATE TABLA b (y INT);\n", 4,
+                  "CREATE TABLA b (y INT)"},
+        // Inside a run of CREATE TABLE statements spread over several connections.
+        CasoError{"paralelo",
+                  "CREATE TABLE a (x INT);\nCREATE TABLE b (x INT);\nCREATE TABLE c (y INT,);\n"
+                  "CREATE TABLE d (x INT);\nCREATE TABLE e (x INT);\n",
+                  3, "CREATE TABLE c (y INT,)"}),
+    [](const auto& info) { return std::string(info.param.nombre); });
 
 TEST(Esquemas, RechazaNombresYArchivosInvalidosSinTocarElServidor) {
     BaseTemporal b("inv");
