@@ -49,18 +49,20 @@ void LeeArranque(const std::filesystem::path& home, session::Iniciales& ini, hos
     // Defaults from the home folder.
     ini.RutaTanzo(detail::Carpeta(home));
     ini.RutaRpts(detail::Carpeta(home / "rpts"));
-    ini.RutaEditaRpts(detail::Carpeta(home / "editar"));
-    ini.RutaPDFs(detail::Carpeta(home / "pdf"));
+    ini.RutaEditaRpts(detail::Carpeta(home / "editarpts"));
+    ini.RutaPDFs(detail::Carpeta(home / "pdfs"));
     ini.RutaImgs(detail::Carpeta(home / "imgs"));
     ini.ArchivoINI(archivo.string());
     ini.ArchivoCoordenadas((home / "coordenadas.ini").string());
     bd.cMiBase = "datos1";
     data::ServidorPrivado servidor(home);
-    if (auto e = servidor.estado(); e.corriendo && e.datos) {
-        bd.cRuta = e.datos->host;
-        bd.cPuerto = e.datos->puerto;
-        bd.cUsuario = e.datos->usuario;
-        bd.cPassword = e.datos->password;
+    std::optional<data::DatosServidor> privado;
+    if (auto e = servidor.estado(); e.corriendo && e.datos) privado = e.datos;
+    if (privado) {
+        bd.cRuta = privado->host;
+        bd.cPuerto = privado->puerto;
+        bd.cUsuario = privado->usuario;
+        bd.cPassword = privado->password;
     } else {
         bd.cRuta = "127.0.0.1";
     }
@@ -100,6 +102,14 @@ void LeeArranque(const std::filesystem::path& home, session::Iniciales& ini, hos
             avisos.push_back("[BaseDD] clave desconocida: " + clave);
         }
     }
+    // The private server takes a free port at each start: when the file points at the running
+    // private server of this home (its user on this machine), the live port and password win.
+    if (privado && bd.cUsuario == privado->usuario &&
+        (bd.cRuta.empty() || bd.cRuta == "127.0.0.1" || bd.cRuta == "localhost")) {
+        bd.cRuta = privado->host;
+        bd.cPuerto = privado->puerto;
+        bd.cPassword = privado->password;
+    }
     for (const auto& [clave, valor] : toolkit::ClavesIni("DatosConecte", archivo)) {
         if (detail::Igual(clave, "xServidor")) {
             dc.xServidor = valor;
@@ -110,7 +120,9 @@ void LeeArranque(const std::filesystem::path& home, session::Iniciales& ini, hos
         } else if (detail::Igual(clave, "xBaseDD")) {
             dc.xBaseDD = valor;
         } else if (detail::Igual(clave, "xPuerto")) {
-            if (auto p = detail::Puerto(valor)) {
+            if (toolkit::detail::Recorta(valor).empty() || toolkit::detail::Recorta(valor) == "0") {
+                dc.xPuerto = 0;  // no remote server
+            } else if (auto p = detail::Puerto(valor)) {
                 dc.xPuerto = *p;
             } else {
                 avisos.push_back("[DatosConecte] xPuerto no es un puerto válido: " + valor);
