@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "layout/FuentePrueba.h"
+#include "renderer/layout/FuentePrueba.h"
 #include "renderer/layout/ListaPaginas.h"
 #include "renderer/layout/Maquetador.h"
 #include "renderer/template/Plantilla.h"
@@ -96,8 +96,11 @@ TEST_P(PaginasTest, CortaLasPaginasDondeSeAcabaElCuerpo) {
         EXPECT_TRUE(
             Contiene(p, "Página " + std::to_string(p.numero) + " de " + std::to_string(c.paginas)));
         // Nothing of the body reaches into the page footer (y >= 170).
-        for (const auto& t : p.textos)
-            if (t.tipoBanda != TipoBanda::PiePagina) EXPECT_LE(t.y + t.alto, 170.001);
+        for (const auto& t : p.textos) {
+            if (t.tipoBanda != TipoBanda::PiePagina) {
+                EXPECT_LE(t.y + t.alto, 170.001);
+            }
+        }
     }
     EXPECT_EQ(r.filas, c.filas);
 }

@@ -86,7 +86,9 @@ TEST_P(ErroresPlantilla, DicenLineaColumnaYQueFalla) {
         FAIL() << "se esperaba un error";
     } catch (const ErrorPlantilla& e) {
         EXPECT_EQ(e.linea(), c.linea) << e.what();
-        if (c.columna) EXPECT_EQ(e.columna(), c.columna) << e.what();
+        if (c.columna) {
+            EXPECT_EQ(e.columna(), c.columna) << e.what();
+        }
         EXPECT_NE(std::string(e.what()).find(c.mensaje), std::string::npos) << e.what();
         EXPECT_NE(std::string(e.what()).find("x.rpt"), std::string::npos);
     }

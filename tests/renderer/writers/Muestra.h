@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "layout/FuentePrueba.h"
+#include "renderer/layout/FuentePrueba.h"
 #include "renderer/layout/ListaPaginas.h"
 #include "renderer/layout/Maquetador.h"
 #include "renderer/template/Plantilla.h"

@@ -12,10 +12,10 @@
 #include <set>
 
 #include "renderer/writers/ErrorEscritura.h"
+#include "renderer/writers/Muestra.h"
 #include "renderer/writers/PdfEscritor.h"
 #include "renderer/writers/PngEscritor.h"
 #include "renderer/writers/TxtEscritor.h"
-#include "writers/Muestra.h"
 
 namespace paratzorep::renderer {
 namespace {
