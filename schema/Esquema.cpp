@@ -116,7 +116,9 @@ void Conexion::usarBase(const std::string& base) {
     base_ = base;
 }
 
-Conexion Conexion::otra() const { return abrir(datos_, base_); }
+Conexion Conexion::otra() const {
+    return abrir(datos_, base_);
+}
 
 std::vector<Sentencia> dividirSentencias(std::string_view t, const std::string& archivo) {
     std::vector<Sentencia> out;

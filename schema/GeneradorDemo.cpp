@@ -469,6 +469,14 @@ const T& elige(Azar& a, const std::vector<T>& v) {
     return v[static_cast<size_t>(a.entre(0, static_cast<long long>(v.size()) - 1))];
 }
 
+// Joins texts in order: a braced list evaluates its elements left to right, so
+// the draws of chance inside them happen in a fixed order on every compiler.
+std::string junta(std::initializer_list<std::string> partes) {
+    std::string r;
+    for (const auto& p : partes) r += p;
+    return r;
+}
+
 long long redondea(double v) {
     return static_cast<long long>(std::llround(v));
 }
@@ -601,6 +609,10 @@ class Simulacion {
         return std::make_unique<Lote>(c_, conteos_, tabla(t), cols);
     }
     int hora() { return static_cast<int>(az_.entre(8 * 3600, 20 * 3600)); }
+    std::string telefono(const char* lada) {
+        return junta({lada, std::to_string(az_.entre(3000, 3999)), " ",
+                      std::to_string(az_.entre(1000, 9999))});
+    }
     const std::string& usuario() { return elige(az_, kUsuarios); }
     double paridad(int moneda, int dia) const {
         if (moneda == 1) return 1.0;
@@ -729,10 +741,9 @@ void Simulacion::catalogos() {
         suc->agrega(Renglon()
                         .t(sucursales_[i])
                         .t(nombresSuc[i])
-                        .t(elige(az_, kCalles) + " " + std::to_string(az_.entre(10, 2500)))
+                        .t(junta({elige(az_, kCalles), " ", std::to_string(az_.entre(10, 2500))}))
                         .t(elige(az_, kCiudades))
-                        .t("33 " + std::to_string(az_.entre(3000, 3999)) + " " +
-                           std::to_string(az_.entre(1000, 9999))));
+                        .t(telefono("33 ")));
     suc->termina();
 
     auto mon = lote("monedas", "Id,Moneda,Abreviacion,Simbolo,Paridad");
@@ -779,7 +790,7 @@ void Simulacion::catalogos() {
         const std::string clave = "V" + conCeros(i, 2);
         vendedores_.push_back(clave);
         const std::string nombre =
-            elige(az_, kNombres) + " " + elige(az_, kApellidos) + " " + elige(az_, kApellidos);
+            junta({elige(az_, kNombres), " ", elige(az_, kApellidos), " ", elige(az_, kApellidos)});
         std::string correo =
             nombre.substr(0, 1) + kApellidos[static_cast<size_t>(i) % kApellidos.size()];
         std::transform(correo.begin(), correo.end(), correo.begin(),
@@ -788,8 +799,7 @@ void Simulacion::catalogos() {
                         .t(clave)
                         .t(nombre)
                         .t(correo + "@elroble.com.mx")
-                        .t("33 1" + std::to_string(az_.entre(100, 999)) + " " +
-                           std::to_string(az_.entre(1000, 9999)))
+                        .t(telefono("33 1"))
                         .x(static_cast<double>(az_.entre(1, 5)), 2)
                         .t(sucursales_[static_cast<size_t>(i) % 3])
                         .n(i == nVend ? 0 : 1));
@@ -919,18 +929,17 @@ void Simulacion::clientesYproveedores() {
     for (int i = 1; i <= nProv; ++i) {
         Proveedor p;
         p.clave = "P" + conCeros(i, 4);
-        p.nombre = elige(az_, kGiros) + " " + elige(az_, kRazones) + elige(az_, kSociedades);
-        p.rfc = p.nombre.substr(0, 3) + conCeros(az_.entre(0, 999999), 6) +
-                std::string(1, static_cast<char>('A' + az_.entre(0, 25))) + "X" +
-                std::to_string(az_.entre(0, 9));
-        p.direccion = elige(az_, kCalles) + " " + std::to_string(az_.entre(1, 3000));
+        p.nombre = junta({elige(az_, kGiros), " ", elige(az_, kRazones), elige(az_, kSociedades)});
+        p.rfc = junta({p.nombre.substr(0, 3), conCeros(az_.entre(0, 999999), 6),
+                       std::string(1, static_cast<char>('A' + az_.entre(0, 25))), "X",
+                       std::to_string(az_.entre(0, 9))});
+        p.direccion = junta({elige(az_, kCalles), " ", std::to_string(az_.entre(1, 3000))});
         p.ciudad = elige(az_, kCiudades);
-        p.tel = "33 " + std::to_string(az_.entre(3000, 3999)) + " " +
-                std::to_string(az_.entre(1000, 9999));
+        p.tel = telefono("33 ");
         p.email = az_.probable(0.7)
                       ? "ventas" + std::to_string(i) + "@proveedor" + std::to_string(i) + ".com.mx"
                       : "";
-        p.contacto = elige(az_, kNombres) + " " + elige(az_, kApellidos);
+        p.contacto = junta({elige(az_, kNombres), " ", elige(az_, kApellidos)});
         p.clasif = az_.probable(0.9) ? elige(az_, kClasifProv) : "";
         p.diasCredito = static_cast<int>(az_.entre(1, 4)) * 15;
         p.moneda = i % 7 == 3 ? 2 : 1;
@@ -947,23 +956,23 @@ void Simulacion::clientesYproveedores() {
         Cliente c;
         c.clave = "C" + conCeros(i, 5);
         if (az_.probable(0.45)) {
-            c.nombre = elige(az_, kGiros) + " " + elige(az_, kRazones) + elige(az_, kSociedades);
-        } else {
             c.nombre =
-                elige(az_, kNombres) + " " + elige(az_, kApellidos) + " " + elige(az_, kApellidos);
+                junta({elige(az_, kGiros), " ", elige(az_, kRazones), elige(az_, kSociedades)});
+        } else {
+            c.nombre = junta(
+                {elige(az_, kNombres), " ", elige(az_, kApellidos), " ", elige(az_, kApellidos)});
         }
         std::string base;
         for (char ch : c.nombre)
             if (std::isalpha(static_cast<unsigned char>(ch)) && base.size() < 10)
                 base += static_cast<char>(std::tolower(static_cast<unsigned char>(ch)));
-        c.rfc = c.nombre.substr(0, 4) + conCeros(az_.entre(0, 999999), 6) + "H" +
-                std::to_string(az_.entre(10, 99));
-        c.direccion = elige(az_, kCalles) + " " + std::to_string(az_.entre(1, 3000));
+        c.rfc = junta({c.nombre.substr(0, 4), conCeros(az_.entre(0, 999999), 6), "H",
+                       std::to_string(az_.entre(10, 99))});
+        c.direccion = junta({elige(az_, kCalles), " ", std::to_string(az_.entre(1, 3000))});
         c.colonia = elige(az_, kColonias);
         c.ciudad = elige(az_, kCiudades);
         c.cp = std::to_string(az_.entre(44100, 45999));
-        c.tel = "33 " + std::to_string(az_.entre(3000, 3999)) + " " +
-                std::to_string(az_.entre(1000, 9999));
+        c.tel = telefono("33 ");
         c.email = az_.probable(0.6) ? base + std::to_string(i) + "@correo.com.mx" : "";
         c.clasif = az_.probable(0.9) ? elige(az_, kClasifCtes) : "";
         c.vendedor = az_.probable(0.93) ? elige(az_, vendedores_) : "";
@@ -1457,8 +1466,8 @@ void Simulacion::pagosDelDia(int d, std::vector<Evento>& pagos) {
         int fecha = d;
         if (az_.probable(0.06)) fecha = std::max(inicio_, d - static_cast<int>(az_.entre(1, 4)));
         const int hr = hora();
-        Movimiento& mv = movCli(fecha, hr, cli.clave, llave.second, 0, total, concepto,
-                                automatico ? std::string("SISTEMA") : usuario());
+        const std::string quien = automatico ? std::string("SISTEMA") : usuario();
+        Movimiento& mv = movCli(fecha, hr, cli.clave, llave.second, 0, total, concepto, quien);
         if (az_.probable(0.1)) mv.fechaPago = fecha - static_cast<int>(az_.entre(1, 3));
         mv.concepto2 = automatico ? "" : "RECIBIDO EN " + elige(az_, sucursales_);
         const int medio = automatico ? -1 : static_cast<int>(az_.entre(0, 3));
@@ -1665,10 +1674,10 @@ void Simulacion::cargoMiscelaneo(int d) {
     if (cli.diasCredito == 0) return;
     const long long monto = az_.entre(50, 1500) * 100;
     const int hr = hora();
-    Movimiento& mv =
-        movCli(d, hr, cli.clave, 1, monto, 0,
-               az_.probable(0.6) ? "CARGO POR INTERESES MORATORIOS" : "CARGO POR CHEQUE DEVUELTO",
-               usuario());
+    const char* concepto =
+        az_.probable(0.6) ? "CARGO POR INTERESES MORATORIOS" : "CARGO POR CHEQUE DEVUELTO";
+    const std::string quien = usuario();
+    Movimiento& mv = movCli(d, hr, cli.clave, 1, monto, 0, concepto, quien);
     RenglonCx cx;
     cx.id = static_cast<int>(cxc_.size()) + 1;
     cx.clave = cli.clave;
@@ -1782,9 +1791,11 @@ void Simulacion::comprasDelDia(int d) {
 void Simulacion::pagoCompra(int d, Compra& cp, long long monto) {
     if (cp.cancelada || monto <= 0 || cp.cxp < 0) return;
     Proveedor& pv = provs_[static_cast<size_t>(cp.prov)];
-    movProv(d, hora(), pv.clave, cp.moneda, 0, monto,
+    const int hr = hora();
+    const std::string quien = usuario();
+    movProv(d, hr, pv.clave, cp.moneda, 0, monto,
             std::string("PAGO A PROVEEDOR ") + (cp.nd ? "COMPRA ND " : "COMPRA ") + cp.factura,
-            usuario());
+            quien);
     cp.saldo -= monto;
     cp.pagado += monto;
     RenglonCx& cx = cxp_[static_cast<size_t>(cp.cxp)];
@@ -2068,16 +2079,21 @@ void Simulacion::bitacora(int d) {
             const double r = az_.unitario();
             if (r < 0.08) {
                 // A structure that the general database does not describe.
-                graba(static_cast<int>(az_.entre(990, 995)), "CONSULTA",
-                      "MODULO " + std::to_string(az_.entre(1, 9)), "");
+                const int registro = static_cast<int>(az_.entre(990, 995));
+                graba(registro, "CONSULTA", "MODULO " + std::to_string(az_.entre(1, 9)),
+                      "CONSULTA");
             } else {
                 const auto& e = kEstructuras[static_cast<size_t>(
                     az_.entre(0, static_cast<long long>(kEstructuras.size()) - 3))];
                 const char* accion =
                     r < 0.35 ? "ALTA" : (r < 0.6 ? "CAMBIO" : (r < 0.7 ? "BAJA" : "IMPRESION"));
-                graba(e.first, accion,
-                      e.first == 156 ? "adsdcm.rpt" : "FOLIO " + std::to_string(az_.entre(1, 9000)),
-                      r < 0.5 ? "TOTAL " + textoCentavos(az_.entre(1000, 5000000)) : "");
+                // The action word leads the additional data, so that the log report's
+                // action filters find it in the composed concept.
+                const std::string llave =
+                    e.first == 156 ? "adsdcm.rpt" : "FOLIO " + std::to_string(az_.entre(1, 9000));
+                std::string adicionales = accion;
+                if (r < 0.5) adicionales += " TOTAL " + textoCentavos(az_.entre(1000, 5000000));
+                graba(e.first, accion, llave, adicionales);
             }
         }
         hr = std::max(hr, 17 * 3600) + static_cast<int>(az_.entre(0, 3 * 3600));
@@ -2140,9 +2156,10 @@ void Simulacion::dia(int d) {
     for (int k = cuantos(0.25); k > 0; --k) cargoMiscelaneo(d);
     if (az_.probable(0.15 * factor)) {
         // Payments that nobody could match to a customer.
-        movCli(d, hora(), "", 1, 0, az_.entre(500, 20000) * 100, "DEPOSITO NO IDENTIFICADO",
-               "ADMIN")
-            .concepto2 = "DEPOSITO BANCARIO";
+        const int hr = hora();
+        const long long monto = az_.entre(500, 20000) * 100;
+        movCli(d, hr, "", 1, 0, monto, "DEPOSITO NO IDENTIFICADO", "ADMIN").concepto2 =
+            "DEPOSITO BANCARIO";
     }
     for (int k = cuantos(0.15); k > 0; --k) {
         const int pv = static_cast<int>(az_.entre(0, static_cast<long long>(provs_.size()) - 1));
@@ -2157,8 +2174,9 @@ void Simulacion::dia(int d) {
         Proveedor& pv =
             provs_[static_cast<size_t>(az_.entre(0, static_cast<long long>(provs_.size()) - 1))];
         const long long monto = az_.entre(200, 3000) * 100;
-        Movimiento& mv =
-            movProv(d, hora(), pv.clave, pv.moneda, monto, 0, "CARGO POR FLETE", usuario());
+        const int hr = hora();
+        const std::string quien = usuario();
+        Movimiento& mv = movProv(d, hr, pv.clave, pv.moneda, monto, 0, "CARGO POR FLETE", quien);
         RenglonCx cx;
         cx.id = static_cast<int>(cxp_.size()) + 1;
         cx.clave = pv.clave;
