@@ -11,7 +11,7 @@
 #include "host/Menu.h"
 #include "reports/Formas.h"
 #include "session/Sesion.h"
-#include "support/Soporte.h"
+#include "toolkit/Apoyo.h"
 #include "toolkit/Fabrica.h"
 
 namespace paratzorep::reports {
@@ -40,7 +40,7 @@ class FachadaTest : public ::testing::Test {
         return *p;
     }
 
-    pruebas::CarpetaTemporal tmp;
+    apoyo::CarpetaTemporal tmp;
     std::shared_ptr<host::MenuRegistro> menu = std::make_shared<host::MenuRegistro>();
     ReportesAdm fachada;
 };
@@ -262,8 +262,8 @@ TEST(FormularioTest, CargaYDescargaUnaVez) {
 }
 
 TEST(TzorepListTest, ListaLasEntradasComoLaTabla) {
-    auto r = pruebas::ejecutarTzorep({"list"});
-    ASSERT_EQ(r.estado, 0) << r.errores;
+    auto r = apoyo::ejecutarTzorep({"list"});
+    ASSERT_EQ(r.estado, 0);
     std::istringstream in(r.salida);
     std::string linea;
     std::size_t i = 0;
@@ -286,7 +286,7 @@ TEST(TzorepListTest, ListaLasEntradasComoLaTabla) {
         ++i;
     }
     EXPECT_EQ(i, 46u);
-    EXPECT_EQ(pruebas::ejecutarTzorep({"list", "extra"}).estado, 2);
+    EXPECT_EQ(apoyo::ejecutarTzorep({"list", "extra"}).estado, 2);
 }
 
 }  // namespace

@@ -8,7 +8,7 @@
 
 #include "data/BaseDDMaria.h"
 #include "session/Sesion.h"
-#include "support/Soporte.h"
+#include "toolkit/Apoyo.h"
 #include "toolkit/ElSkin.h"
 #include "toolkit/Fabrica.h"
 #include "toolkit/Fechas.h"
@@ -84,7 +84,7 @@ TEST(PlantillasTest, XXXCondicionesYEncabezados) {
 }
 
 TEST_F(ConSesionLimpia, ReplicacionConValoresPorOmisionYDelArchivo) {
-    pruebas::CarpetaTemporal tmp;
+    apoyo::CarpetaTemporal tmp;
     sesion().RutaTanzo = tmp.ruta().string();  // without final separator: joined anyway
     Replicacion r = LeeReplicacion();
     EXPECT_EQ(r.base, "datos1");
@@ -104,7 +104,7 @@ TEST_F(ConSesionLimpia, ReplicacionConValoresPorOmisionYDelArchivo) {
 }
 
 TEST_F(ConSesionLimpia, IniDeSesionYPosicionDeVentana) {
-    pruebas::CarpetaTemporal tmp;
+    apoyo::CarpetaTemporal tmp;
     sesion().ArchivoINI = (tmp / "sistema.ini").string();
     EscribeIni("General", "Clave", "v");
     EXPECT_EQ(LeeIni("general", "clave"), "v");
@@ -222,7 +222,7 @@ class ConBaseDeEmpresa : public ConSesionLimpia {
     void SetUp() override {
         ConSesionLimpia::SetUp();
         try {
-            base_ = std::make_unique<pruebas::BaseDeDatosDePrueba>();
+            base_ = std::make_unique<apoyo::BaseDeDatosDePrueba>();
         } catch (const std::exception& e) {
             GTEST_SKIP() << "sin servidor de prueba: " << e.what();
         }
@@ -248,7 +248,7 @@ class ConBaseDeEmpresa : public ConSesionLimpia {
         if (sesion().BaseDD) sesion().BaseDD->CierraBdD(cn);
         ConSesionLimpia::TearDown();
     }
-    std::unique_ptr<pruebas::BaseDeDatosDePrueba> base_;
+    std::unique_ptr<apoyo::BaseDeDatosDePrueba> base_;
     host::Conexion cn;
 };
 

@@ -7,7 +7,7 @@
 #include <sstream>
 
 #include "host/Interaccion.h"
-#include "support/Soporte.h"
+#include "toolkit/Apoyo.h"
 #include "toolkit/Auxiliares.h"
 #include "toolkit/BitacoraUsuarios.h"
 #include "toolkit/DeArchivos.h"
@@ -19,7 +19,7 @@
 namespace paratzorep::toolkit {
 namespace {
 
-using pruebas::CarpetaTemporal;
+using apoyo::CarpetaTemporal;
 
 std::string Lee(const std::filesystem::path& p) {
     std::ifstream in(p, std::ios::binary);

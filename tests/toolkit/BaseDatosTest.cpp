@@ -6,7 +6,7 @@
 #include <sstream>
 
 #include "data/BaseDDMaria.h"
-#include "support/Soporte.h"
+#include "toolkit/Apoyo.h"
 #include "toolkit/BitacoraUsuarios.h"
 #include "toolkit/CamposBin.h"
 #include "toolkit/Movimientos.h"
@@ -14,8 +14,8 @@
 namespace paratzorep::toolkit {
 namespace {
 
-using pruebas::BaseDeDatosDePrueba;
-using pruebas::CarpetaTemporal;
+using apoyo::BaseDeDatosDePrueba;
+using apoyo::CarpetaTemporal;
 
 std::string Lee(const std::filesystem::path& p) {
     std::ifstream in(p, std::ios::binary);

@@ -7,7 +7,7 @@
 #include <fstream>
 
 #include "session/Sesion.h"
-#include "support/Soporte.h"
+#include "toolkit/Apoyo.h"
 #include "toolkit/BitacoraUsuarios.h"
 #include "toolkit/Fabrica.h"
 
@@ -21,7 +21,7 @@ class ArranqueTest : public ::testing::Test {
         session::sesion() = session::RegistroSesion{};
     }
     void TearDown() override { session::sesion() = session::RegistroSesion{}; }
-    pruebas::CarpetaTemporal tmp;
+    apoyo::CarpetaTemporal tmp;
 };
 
 TEST_F(ArranqueTest, SinArchivoValoresDeLaCarpeta) {
@@ -74,7 +74,7 @@ TEST_F(ArranqueTest, LeeLasTresSeccionesYAvisaLoDesconocido) {
 }
 
 TEST_F(ArranqueTest, ElServidorPrivadoEnMarchaDaLosValoresPorOmision) {
-    const auto& privado = pruebas::servidorDePrueba();
+    const auto& privado = apoyo::servidorDePrueba();
     session::Iniciales ini;
     data::BaseDDMaria bd;
     host::DatosConecte dc;
@@ -85,8 +85,8 @@ TEST_F(ArranqueTest, ElServidorPrivadoEnMarchaDaLosValoresPorOmision) {
     LeeArranque(tmp.ruta(), ini, bd, dc, avisos);
     EXPECT_EQ(bd.cPuerto, 1);
     // The test run's home (its server running): the server's own connection values.
-    if (!std::filesystem::exists(pruebas::homeDePrueba() / "tzorep.ini")) {
-        LeeArranque(pruebas::homeDePrueba(), ini, bd, dc, avisos);
+    if (!std::filesystem::exists(apoyo::homeDePrueba() / "tzorep.ini")) {
+        LeeArranque(apoyo::homeDePrueba(), ini, bd, dc, avisos);
         EXPECT_EQ(bd.cRuta, privado.host);
         EXPECT_EQ(bd.cPuerto, privado.puerto);
         EXPECT_EQ(bd.cUsuario, privado.usuario);
