@@ -91,7 +91,8 @@ class Recordset {
     // The text the recordset was opened with.
     const std::string& Fuente() const { return fuente_; }
 
-    // Navigation; an empty recordset is at Eof and Bof at once.
+    // Navigation (Eof and Bof stand for the recordset's EOF and BOF, which C reserves as macro
+    // names); an empty recordset is at Eof and Bof at once.
     bool Eof() const { return pos_ >= static_cast<std::int32_t>(filas_.size()); }
     bool Bof() const { return pos_ < 0 || filas_.empty(); }
     void MoveFirst() { pos_ = 0; }
