@@ -282,6 +282,29 @@ bool FechaReporteValida(const std::string& fecha) {
     return true;
 }
 
+namespace detail {
+
+std::string ExtraeIcono(const host::Conexion& cn, const std::string& fuente) {
+    toolkit::CamposBin cb;
+    cb.BaseDD = sesion().BaseDD;
+    cb.Conexion = cn;
+    const std::string archivo =
+        toolkit::RutaNativa(ConSeparadorFinal(sesion().RutaImgs)) + "Tempo.img";
+    return cb.BLOBextraer(fuente, "Imagen", archivo) ? archivo : std::string();
+}
+
+}  // namespace detail
+
+std::string IconoPorDescripcion(const host::Conexion& cn, const std::string& descripcion,
+                                const std::string& base) {
+    return detail::ExtraeIcono(cn, base + ".iconos WHERE DESCripcion='" +
+                                       toolkit::detail::EscapaSQL(descripcion) + "' LIMIT 1");
+}
+
+std::string IconoPorId(const host::Conexion& cn, std::int32_t id, const std::string& base) {
+    return detail::ExtraeIcono(cn, base + ".iconos WHERE Id=" + std::to_string(id) + " LIMIT 1");
+}
+
 bool HayArchivo(const std::string& ruta) {
     return toolkit::DeArchivos().HayArchivo(ruta);
 }

@@ -116,6 +116,15 @@ bool FechaReporteValida(const std::string& fecha);
 // Today's date as the guard sees it ("yyyy-mm-dd").
 std::string FechaHoyServidor();
 
+// --- Icons of the general database ----------------------------------------------------------
+
+// Writes the icon of that description (or Id) from `base`.iconos into RutaImgs + "Tempo.img";
+// returns the file's path, "" when there is no such icon.
+std::string IconoPorDescripcion(const host::Conexion& cn, const std::string& descripcion,
+                                const std::string& base = host::kBaseGeneral);
+std::string IconoPorId(const host::Conexion& cn, std::int32_t id,
+                       const std::string& base = host::kBaseGeneral);
+
 // --- Files ---------------------------------------------------------------------------------------
 
 bool HayArchivo(const std::string& ruta);

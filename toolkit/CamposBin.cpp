@@ -115,6 +115,25 @@ int CamposBin::Guarda(const std::string& ruta, const std::string& archivo) const
     return piezas;
 }
 
+bool CamposBin::BLOBextraer(const std::string& fuente, const std::string& campo,
+                            const std::string& archivo) const {
+    Exige("Extraer imagen");
+    const std::string sql = "SELECT HEX(" + campo + ") AS H FROM " + fuente;
+    host::Recordset rs;
+    if (!BaseDD->RstExecutar(rs, Conexion, sql)) {
+        throw host::ErrorDatos("Extraer " + campo, sql, 0, BaseDD->UltimoError());
+    }
+    if (rs.RecordCount() == 0) return false;
+    rs.MoveFirst();
+    if (rs.Campo("H").EsNulo()) return false;
+    const std::string ruta = RutaNativa(archivo);
+    if (const std::string carpeta = DeArchivos().CarpetaDeArchivo(ruta); !carpeta.empty()) {
+        DeArchivos().CreaRuta(carpeta);
+    }
+    detail::EscribeAtomico(ruta, DeHex(rs.Campo("H").Texto()));
+    return true;
+}
+
 bool CamposBin::Existe(const std::string& archivo) const {
     Exige("Buscar archivo");
     const std::string nombre = DeArchivos().NombreDeArchivo(archivo);

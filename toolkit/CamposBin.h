@@ -32,6 +32,10 @@ class CamposBin : public ObjetoKv {
     // pieces of TamanoPieza bytes, replacing any earlier version in one transaction; returns
     // the number of pieces.
     int Guarda(const std::string& ruta, const std::string& archivo = "") const;
+    // Writes the binary field `campo` of the first row of `fuente` (a table followed by its
+    // WHERE ... LIMIT 1) into the file `archivo`; false when there is no row or the field is null.
+    bool BLOBextraer(const std::string& fuente, const std::string& campo,
+                     const std::string& archivo) const;
     // Whether the table holds a file of that name.
     bool Existe(const std::string& archivo) const;
 

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <iterator>
 
 #include "data/BaseDDMaria.h"
 #include "session/Sesion.h"
@@ -284,6 +285,27 @@ TEST_F(ConBaseDeEmpresa, BusquedasParidadHoraYFolio) {
         "CREATE TABLE entradas (Serie VARCHAR(3), Folio INT);"
         "INSERT INTO entradas VALUES ('A',4)");
     EXPECT_EQ(Foliar(cn, "entradas", "Folio", "A"), 5);
+}
+
+}  // namespace
+}  // namespace paratzorep::session
+
+namespace paratzorep::session {
+namespace {
+
+TEST_F(ConBaseDeEmpresa, IconosSeEscribenEnTempoImg) {
+    apoyo::CarpetaTemporal imgs;
+    sesion().RutaImgs = imgs.ruta().string();
+    base_->ejecutar(
+        "CREATE TABLE iconos (Id INT PRIMARY KEY, DESCripcion VARCHAR(60), Imagen MEDIUMBLOB);"
+        "INSERT INTO iconos VALUES (1,'Imprimir',X'89504E470D0A1A0A00FF'),(2,'Vacio',NULL)");
+    const std::string esperado = imgs.ruta().string() + "/Tempo.img";
+    EXPECT_EQ(IconoPorDescripcion(cn, "Imprimir", base_->nombre()), esperado);
+    std::ifstream in(esperado, std::ios::binary);
+    std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    EXPECT_EQ(bytes, std::string("\x89PNG\r\n\x1A\n\0\xFF", 10));
+    EXPECT_EQ(IconoPorId(cn, 2, base_->nombre()), "");
+    EXPECT_EQ(IconoPorDescripcion(cn, "o'tro", base_->nombre()), "");
 }
 
 }  // namespace
