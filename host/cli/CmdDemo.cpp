@@ -10,12 +10,14 @@
 #include <iostream>
 #include <map>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "data/ServidorPrivado.h"
 #include "host/cli/Commands.h"
 #include "schema/Esquema.h"
 #include "schema/GeneradorDemo.h"
+#include "toolkit/Ini.h"
 
 namespace paratzorep::cli {
 
@@ -58,45 +60,43 @@ std::string conBarra(const fs::path& p) {
 }
 
 // The home's start-up values for the host: paths under the home, the company
-// database on the private server, no remote company server.
+// database on the private server, no remote company server. Only these keys
+// are written; whatever else the file holds (window positions, grid widths,
+// other settings) stays.
 void escribeIni(const fs::path& home, const data::DatosServidor& d) {
-    const std::vector<std::string> carpetas = {"rpts", "editarpts", "pdfs", "imgs"};
-    for (const auto& c : carpetas) fs::create_directories(home / c);
+    for (const char* c : {"rpts", "editarpts", "pdfs", "imgs"}) fs::create_directories(home / c);
     const fs::path ini = home / "tzorep.ini";
-    const fs::path tmp = home / "tzorep.ini.tmp";
-    {
-        std::ofstream f(tmp, std::ios::trunc);
-        if (!f) throw std::runtime_error("No se pudo escribir " + tmp.string());
-        f << "; Valores iniciales de tzorep, escritos por 'tzorep db demo'.\n"
-          << "[Iniciales]\n"
-          << "RutaTanzo=" << conBarra(home) << "\n"
-          << "RutaRpts=" << conBarra(home / "rpts") << "\n"
-          << "RutaEditaRpts=" << conBarra(home / "editarpts") << "\n"
-          << "RutaPDFs=" << conBarra(home / "pdfs") << "\n"
-          << "RutaImgs=" << conBarra(home / "imgs") << "\n"
-          << "ArchivoINI=" << ini.string() << "\n"
-          << "UserUsuario=ADMIN\n"
-          << "IdDelUs=1\n"
-          << "ClaveEmpresa=DEMO\n"
-          << "VersionDeEste=5.3.004\n"
-          << "DiasParaReportes=0\n"
-          << "VistaPrevia=0\n"
-          << "\n[BaseDD]\n"
-          << "cRuta=" << d.host << "\n"
-          << "cUsuario=" << d.usuario << "\n"
-          << "cPassword=" << d.password << "\n"
-          << "cPuerto=" << d.puerto << "\n"
-          << "cMiBase=" << kBaseEmpresa << "\n"
-          << "\n[DatosConecte]\n"
-          << "xServidor=\n"
-          << "xUsuario=\n"
-          << "xPassWord=\n"
-          << "xPuerto=0\n"
-          << "xBaseDD=\n";
-        if (!f.flush()) throw std::runtime_error("No se pudo escribir " + tmp.string());
+    if (!fs::exists(ini)) {
+        std::ofstream f(ini);
+        f << "; Valores iniciales de tzorep; 'tzorep db demo' escribe los de la demostración.\n";
+        if (!f.flush()) throw std::runtime_error("No se pudo escribir " + ini.string());
     }
-    fs::permissions(tmp, fs::perms::owner_read | fs::perms::owner_write);
-    fs::rename(tmp, ini);
+    const std::vector<std::tuple<const char*, const char*, std::string>> valores = {
+        {"Iniciales", "RutaTanzo", conBarra(home)},
+        {"Iniciales", "RutaRpts", conBarra(home / "rpts")},
+        {"Iniciales", "RutaEditaRpts", conBarra(home / "editarpts")},
+        {"Iniciales", "RutaPDFs", conBarra(home / "pdfs")},
+        {"Iniciales", "RutaImgs", conBarra(home / "imgs")},
+        {"Iniciales", "ArchivoINI", ini.string()},
+        {"Iniciales", "UserUsuario", "ADMIN"},
+        {"Iniciales", "IdDelUs", "1"},
+        {"Iniciales", "ClaveEmpresa", "DEMO"},
+        {"Iniciales", "DiasParaReportes", "0"},
+        {"BaseDD", "cRuta", d.host},
+        {"BaseDD", "cUsuario", d.usuario},
+        {"BaseDD", "cPassword", d.password},
+        {"BaseDD", "cPuerto", std::to_string(d.puerto)},
+        {"BaseDD", "cMiBase", kBaseEmpresa},
+        {"DatosConecte", "xServidor", ""},
+        {"DatosConecte", "xUsuario", ""},
+        {"DatosConecte", "xPassWord", ""},
+        {"DatosConecte", "xPuerto", "0"},
+        {"DatosConecte", "xBaseDD", ""},
+    };
+    for (const auto& [seccion, clave, valor] : valores)
+        toolkit::EscribeIni(seccion, clave, valor, ini);
+    // It holds the database password.
+    fs::permissions(ini, fs::perms::owner_read | fs::perms::owner_write);
 }
 
 // Bytes on disk of one database's folder in the server's data folder.
