@@ -1,0 +1,127 @@
+#include "renderer/writers/TxtEscritor.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+#include <sstream>
+
+#include "renderer/writers/ErrorEscritura.h"
+#include "renderer/writers/Muestra.h"
+
+namespace paratzorep::renderer {
+namespace {
+
+// A text line of one element in a 9 pt document with 10 pt margins: a column is 5.4 pt.
+ElementoTexto Texto(double x, double y, double ancho, const std::string& t,
+                    Alineacion a = Alineacion::Izquierda, TipoValor tipo = TipoValor::Texto) {
+    ElementoTexto e;
+    e.x = x;
+    e.y = y;
+    e.ancho = ancho;
+    e.alto = 10;
+    e.base = 8;
+    e.interlineado = 10.5;
+    e.alineacion = a;
+    e.tipo = tipo;
+    e.renglones.push_back({t, 0, 0});
+    return e;
+}
+
+Documento Doc() {
+    Documento d;
+    d.margenIzquierdo = 10;
+    d.margenSuperior = 10;
+    d.fuentes.push_back(Fuente{});
+    return d;
+}
+
+std::vector<std::string> Rejilla(const Pagina& p) {
+    std::ostringstream nulo;
+    TxtEscritor escritor(nulo, "\f");
+    escritor.Inicia(Doc());
+    return escritor.Rejilla(p);
+}
+
+struct CasoColumna {
+    const char* nombre;
+    std::vector<ElementoTexto> textos;
+    std::vector<std::string> esperado;
+};
+
+class RejillaTxt : public ::testing::TestWithParam<CasoColumna> {};
+
+TEST_P(RejillaTxt, ColocaCadaTextoEnSuColumna) {
+    Pagina p;
+    p.textos = GetParam().textos;
+    EXPECT_EQ(Rejilla(p), GetParam().esperado);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Casos, RejillaTxt,
+    ::testing::Values(
+        // x=10 is column 0; a box 54 pt wide spans 10 columns.
+        CasoColumna{"IzquierdaEnSuColumna", {Texto(10 + 5.4 * 3, 10, 54, "abc")}, {"   abc"}},
+        CasoColumna{"NumerosTerminanEnLaMismaColumna",
+                    {Texto(10, 10, 54, "1.00", Alineacion::Derecha, TipoValor::Numero),
+                     Texto(10, 20.5, 54, "1,234.50", Alineacion::Derecha, TipoValor::Numero)},
+                    {"      1.00", "  1,234.50"}},
+        CasoColumna{"Centrado", {Texto(10, 10, 54, "ab", Alineacion::Centro)}, {"    ab"}},
+        CasoColumna{
+            "MismaLineaBaseMismoRenglon",
+            {Texto(10, 10, 27, "Fecha"), Texto(10 + 27, 10.2, 27, "Saldo", Alineacion::Derecha)},
+            {"FechaSaldo"}},
+        // A long text stops where a number already sits: the number is never overwritten.
+        // ("Saldo" right-aligned in the box after "Fecha" ends at column 10.)
+        CasoColumna{"TextoLargoNoPisaUnNumero",
+                    {Texto(10, 10, 27, "Distribuidora Peña de Occidente"),
+                     Texto(10 + 27, 10, 27, "99.00", Alineacion::Derecha, TipoValor::Numero)},
+                    {"Distr99.00"}},
+        CasoColumna{"HuecoGrandeDejaRenglonEnBlanco",
+                    {Texto(10, 10, 54, "uno"), Texto(10, 10 + 31.5, 54, "dos")},
+                    {"uno", "", "", "dos"}},
+        CasoColumna{"Acentos", {Texto(10, 10, 54, "Núñez")}, {"Núñez"}}),
+    [](const auto& info) { return std::string(info.param.nombre); });
+
+TEST(TxtEscritor, ReglaHorizontalComoGuiones) {
+    Pagina p;
+    p.textos.push_back(Texto(10, 10, 54, "Total"));
+    p.lineas.push_back({10, 25, 10 + 5.4 * 8, 25, 0.5});
+    auto r = Rejilla(p);
+    ASSERT_EQ(r.size(), 2u);
+    EXPECT_EQ(r[1], "--------");
+}
+
+TEST(TxtEscritor, MuestraConColumnasAlineadasYSaltoDePagina) {
+    Plantilla pl = LeePlantillaTexto(prueba::kPlantillaMuestra, "muestra.rpt");
+    auto datos = prueba::DatosMuestra(20);
+    Medidor medidor;
+    ListaPaginas lista;
+    Maquetador m(pl, medidor, 0);
+    auto res = m.Maqueta(datos, lista);
+    std::ostringstream salida;
+    TxtEscritor escritor(salida, "\f");
+    lista.Reproduce(m.DocumentoSalida(), medidor, {&escritor});
+    std::string texto = salida.str();
+    EXPECT_EQ(std::count(texto.begin(), texto.end(), '\f'), res.paginas - 1);
+    EXPECT_NE(texto.find("Página 1 de " + std::to_string(res.paginas)), std::string::npos);
+    // Every amount line ends in the same column.
+    std::istringstream in(texto);
+    std::set<std::size_t> finales;
+    for (std::string linea; std::getline(in, linea);) {
+        if (linea.size() < 3 || linea[linea.size() - 3] != '.' ||
+            linea.find("Página") != std::string::npos)
+            continue;
+        finales.insert(static_cast<std::size_t>(
+            std::count_if(linea.begin(), linea.end(), [](char c) { return (c & 0xC0) != 0x80; })));
+    }
+    EXPECT_EQ(finales.size(), 1u);
+}
+
+TEST(TxtEscritor, ArchivoEnCarpetaInexistente) {
+    TxtEscritor escritor("/no/existe/reporte.txt");
+    EXPECT_THROW(escritor.Inicia(Doc()), ErrorEscritura);
+}
+
+}  // namespace
+}  // namespace paratzorep::renderer
