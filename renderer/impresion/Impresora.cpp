@@ -115,6 +115,16 @@ int Imprimir(const TrabajoImpresion& trabajo) {
     return id;
 }
 
+void ImprimirEnCups(const std::string& pdf, const std::string& impresora, int copias,
+                    const std::string& titulo) {
+    TrabajoImpresion trabajo;
+    trabajo.archivo = pdf;
+    trabajo.impresora = impresora;
+    trabajo.copias = copias;
+    trabajo.titulo = titulo;
+    Imprimir(trabajo);
+}
+
 std::vector<std::string> Impresoras(const std::string& servidor) {
     detail::ServidorCups s(servidor);
     detail::Conexion http = detail::Conectar();

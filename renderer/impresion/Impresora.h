@@ -45,6 +45,11 @@ class ErrorImpresion : public std::runtime_error {
 // Sends the job and returns the CUPS job id. Throws ErrorImpresion.
 int Imprimir(const TrabajoImpresion& trabajo);
 
+// The engine's printing hook (Motor::Imprimir): prints a finished PDF on the default
+// CUPS server. Throws ErrorImpresion.
+void ImprimirEnCups(const std::string& pdf, const std::string& impresora, int copias,
+                    const std::string& titulo);
+
 // The queues the server offers (empty when there is no server). The default queue first.
 std::vector<std::string> Impresoras(const std::string& servidor = {});
 

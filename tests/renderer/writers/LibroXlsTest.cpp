@@ -110,6 +110,10 @@ struct CasoTexto {
     std::string esperado;
 };
 
+void PrintTo(const CasoTexto& c, std::ostream* os) {
+    *os << c.nombre;
+}
+
 class TextosXls : public LibroXlsTest, public ::testing::WithParamInterface<CasoTexto> {};
 
 TEST_P(TextosXls, SeLeenIgual) {
@@ -214,6 +218,10 @@ struct CasoHojas {
     long filasUltimaHoja;
 };
 
+void PrintTo(const CasoHojas& c, std::ostream* os) {
+    *os << c.filasDatos << (c.titulos ? " filas con títulos" : " filas");
+}
+
 class HojasXls : public LibroXlsTest, public ::testing::WithParamInterface<CasoHojas> {};
 
 TEST_P(HojasXls, PasaDe65536FilasAOtraHoja) {
@@ -256,7 +264,11 @@ TEST_P(HojasXls, PasaDe65536FilasAOtraHoja) {
 INSTANTIATE_TEST_SUITE_P(Limite, HojasXls,
                          ::testing::Values(CasoHojas{false, 65536, 1, 65536},
                                            CasoHojas{false, 65537, 2, 1},
-                                           CasoHojas{true, 65535 * 2 + 5, 3, 6}));
+                                           CasoHojas{true, 65535 * 2 + 5, 3, 6}),
+                         [](const auto& info) {
+                             return std::to_string(info.param.filasDatos) +
+                                    (info.param.titulos ? "_con_titulos" : "_filas");
+                         });
 
 TEST_F(LibroXlsTest, LibroSinFilasTieneUnaHojaConTitulos) {
     auto ruta = carpeta / "vacio.xls";
