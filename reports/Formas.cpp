@@ -25,23 +25,34 @@ void Alta(const char* nombre) {
     Registro().creadores[nombre] = [] { return std::make_shared<T>(); };
 }
 
-void AgregaMarcoDestino(Formulario& f) {
-    f.Agrega("optDispos", 0, "&Pantalla").Value = 1;
-    f.Agrega("optDispos", 1, "Im&presora");
-    f.Agrega("optDispos", 2, "&Archivo");
-    f.Agrega("cmdImprimir", -1, "Pr&ocesar");
-}
-
 }  // namespace detail
+
+void VisteMarcoDestino(Formulario& f) {
+    f.Agrega("Frame2").Caption = "Enviar reporte a: ";
+    const char* opciones[] = {"&Pantalla", "Im&presora", "&Archivo"};
+    const char* imagenes[] = {"imgPant", "imgImpr", "imgArch"};
+    bool alguna = false;
+    for (std::int16_t i = 0; i < 3; ++i) {
+        Control& o = f.Agrega("optDispos", i);
+        o.Caption = opciones[i];
+        alguna = alguna || o.Value != 0;
+        f.Agrega(imagenes[i]);
+    }
+    if (!alguna) f.Ctl("optDispos", 0).Value = 1;
+    const bool archivo = f.Ctl("optDispos", 2).Value != 0;
+    f.Agrega("lblTipoArchivo").Visible = archivo;
+    f.Agrega("lblArchivoReporte").Visible = archivo;
+    f.Agrega("cmdImprimir").Caption = "Pr&ocesar";
+}
 
 FormaBasica::FormaBasica(std::string nombre, std::string caption)
     : Formulario(std::move(nombre), std::move(caption)) {
-    detail::AgregaMarcoDestino(*this);
+    VisteMarcoDestino(*this);
 }
 
 FormaPareadaBasica::FormaPareadaBasica(std::string nombre, std::string caption)
     : FormularioPareado(std::move(nombre), std::move(caption)) {
-    detail::AgregaMarcoDestino(*this);
+    VisteMarcoDestino(*this);
 }
 
 void RegistraForma(const std::string& nombre, CreadorForma creador) {

@@ -12,6 +12,13 @@
 
 namespace paratzorep::reports {
 
+// The destination frame's dressing that every report form gets on load: Frame2 "Enviar reporte
+// a: ", the options optDispos(0..2) "&Pantalla", "Im&presora", "&Archivo" with their pictures
+// imgPant, imgImpr, imgArch, the file labels lblTipoArchivo and lblArchivoReporte (shown with
+// the file destination only) and cmdImprimir "Pr&ocesar". Existing controls are kept and
+// re-captioned; the screen is chosen when no option is.
+void VisteMarcoDestino(Formulario& forma);
+
 // A bare report form: name, caption, "Imprimir en:" options and the print button.
 class FormaBasica : public Formulario {
   public:

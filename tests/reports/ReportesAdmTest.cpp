@@ -230,6 +230,16 @@ TEST(FormularioTest, ControlesPorNombreEIndice) {
     EXPECT_EQ(f.Ctl("optDispos", 1).Caption, "Im&presora");
     EXPECT_EQ(f.Ctl("optDispos", 2).Caption, "&Archivo");
     EXPECT_EQ(f.Ctl("optDispos", 0).Value, 1);
+    EXPECT_EQ(f.Ctl("Frame2").Caption, "Enviar reporte a: ");
+    EXPECT_EQ(f.Ctl("cmdImprimir").Caption, "Pr&ocesar");
+    EXPECT_FALSE(f.Ctl("lblArchivoReporte").Visible);
+    // Dressing again keeps the user's choice and shows the file labels for the file destination.
+    f.Ctl("optDispos", 0).Value = 0;
+    f.Ctl("optDispos", 2).Value = 1;
+    VisteMarcoDestino(f);
+    EXPECT_EQ(f.Ctl("optDispos", 0).Value, 0);
+    EXPECT_TRUE(f.Ctl("lblArchivoReporte").Visible);
+    EXPECT_TRUE(f.Ctl("lblTipoArchivo").Visible);
     Control& fecha = f.Agrega("mkeFecha", 1);
     fecha.Text = "01/01/2024";
     EXPECT_EQ(&f.Agrega("mkeFecha", 1), &fecha);  // adding again gives the same control
