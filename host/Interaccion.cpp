@@ -1,5 +1,7 @@
 #include "host/Interaccion.h"
 
+#include <unistd.h>
+
 #include <iostream>
 
 namespace paratzorep::host {
