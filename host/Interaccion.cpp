@@ -32,7 +32,8 @@ Respuesta InteraccionConsola::Mensaje(const std::string& titulo, const std::stri
 }
 
 void InteraccionConsola::Beep() {
-    std::cerr << '\a' << std::flush;
+    // Only a terminal rings; a redirected stderr keeps just the messages.
+    if (::isatty(2)) std::cerr << '\a' << std::flush;
 }
 
 void InteraccionConsola::Progreso(int, const std::string&) {}
