@@ -500,7 +500,7 @@ struct Producto {
     std::string clave, descrip, unidad;
     int linea = 0, sublinea = 0, marca = 0, clase = 0;
     std::string prov1, prov2;
-    long long costo = 0, costoProm = 0;  // cents
+    long long costo = 0, costoProm = 0, costoBase = 0;  // cents
     std::array<long long, 5> precio{};
     std::array<int, 5> desc{};
     std::array<double, 5> comis{};
@@ -904,6 +904,7 @@ void Simulacion::productos() {
                           ? static_cast<int>(az_.entre(1, static_cast<long long>(kMarcas.size())))
                           : static_cast<int>(kMarcas.size());
             p.costo = az_.entre(L.costoMin, L.costoMax);
+            p.costoBase = p.costo;
             p.costoProm = p.costo;
             const std::array<double, 5> margen = {1.38, 1.32, 1.27, 1.22, 1.17};
             for (size_t j = 0; j < 5; ++j) {
@@ -914,6 +915,8 @@ void Simulacion::productos() {
             p.numPrecio = static_cast<int>(az_.entre(1, 5));
             p.bloqueado = az_.probable(0.15) ? 1 : 0;
             p.minimo = L.clase == 3 ? 0 : az_.entre(5, 40) * 1000;
+            // The carcass and the mixed scrap feed the cuts and the separations.
+            if (art == "CANAL DE RES" || art == "CHATARRA MIXTA") p.minimo = 600000;
             p.alta = inicio_ - static_cast<int>(az_.entre(30, 2000));
             prodsPorClase_[static_cast<size_t>(L.clase)].push_back(static_cast<int>(prods_.size()));
             if (L.clase == 0 || L.clase == 2 || (L.clase == 1 && art != "CHATARRA MIXTA"))
@@ -1718,8 +1721,10 @@ void Simulacion::compra(int d, int prov, std::vector<int> lista, bool nd) {
     for (int pi : lista) {
         Producto& p = prods_[static_cast<size_t>(pi)];
         const long long cant = std::max<long long>(p.minimo * 3, 10000) + az_.entre(0, 20) * 1000;
+        // Suppliers' prices move around the product's cost, with 4 % a year of inflation.
+        const double inflacion = 1.0 + 0.04 * (d - inicio_) / 365.0;
         const long long costo =
-            redondea(static_cast<double>(p.costo) * (0.97 + az_.unitario() * 0.08));
+            redondea(static_cast<double>(p.costoBase) * inflacion * (0.96 + az_.unitario() * 0.08));
         int kx = 0;
         if (!cp.cancelada) {
             // Average cost weighs the stock on hand with the purchase.
@@ -2148,7 +2153,7 @@ void Simulacion::dia(int d) {
     if ((d - inicio_) % 15 == 14) {
         std::vector<int> clientes;
         for (const auto& [llave, lista] : remisionesPendientes_)
-            if (!lista.empty() && az_.probable(0.3)) clientes.push_back(llave.first);
+            if (!lista.empty() && az_.probable(0.12)) clientes.push_back(llave.first);
         std::sort(clientes.begin(), clientes.end());
         clientes.erase(std::unique(clientes.begin(), clientes.end()), clientes.end());
         for (int c : clientes) facturaDeRemisiones(d, c);
