@@ -51,15 +51,6 @@ TEST_F(ArchivoLocalTest, CreaSusTablasAlPrimerUso) {
     EXPECT_TRUE(rs.TieneCampo("NotasDeCredito"));
 }
 
-TEST_F(ArchivoLocalTest, ReabrirConservaLosDatos) {
-    base.AgregaRegistro(cn, "Titulo100", {"Encabezado"}, {Valor("Cobros, desde el 01/ene/2024")});
-    base.CierraBdD(cn);
-    ASSERT_TRUE(base.AbreBdDAccess(cn, archivo));
-    host::Recordset rs;
-    ASSERT_TRUE(base.AbrirTabla(rs, cn, "Titulo100"));
-    EXPECT_EQ(rs["Encabezado"].Texto(), "Cobros, desde el 01/ene/2024");
-}
-
 TEST_F(ArchivoLocalTest, FilasNuevasYCambiosPorClave) {
     base.Executar(cn, "DELETE FROM Utilidad");
     host::Recordset rs;
@@ -110,21 +101,6 @@ TEST(ArchivoLocal, CarpetaInexistenteDaFalsoConElNombre) {
     EXPECT_FALSE(base.AbreBdDAccess(cn, "/no/existe/esta/carpeta/Auxiliar.mdb"));
     EXPECT_FALSE(cn);
     EXPECT_NE(base.UltimoError().find("Auxiliar.mdb"), std::string::npos);
-}
-
-TEST(ArchivoLocal, ArchivoQueNoEsBaseDeDatosDaFalso) {
-    auto ruta = fs::temp_directory_path() / ("tzdatos_basura_" + std::to_string(::getpid()));
-    {
-        std::FILE* f = std::fopen(ruta.c_str(), "wb");
-        ASSERT_NE(f, nullptr);
-        std::fputs("esto no es una base de datos, es texto suficiente para la cabecera....", f);
-        std::fclose(f);
-    }
-    BaseDDMaria base;
-    host::Conexion cn;
-    EXPECT_FALSE(base.AbreBdDAccess(cn, ruta.string()));
-    EXPECT_FALSE(base.UltimoError().empty());
-    fs::remove(ruta);
 }
 
 }  // namespace

@@ -221,14 +221,6 @@ TEST_F(BaseDDMariaTest, AbrirBdDFallidoDevuelveFalso) {
     EXPECT_THROW(base->Executar(otra, "SELECT 1"), host::ErrorDatos);
 }
 
-TEST_F(BaseDDMariaTest, AbrirBdDSinNombreAbreLaGeneral) {
-    host::Conexion gen;
-    ASSERT_TRUE(base->AbrirBdD(gen, "")) << base->UltimoError();
-    host::Recordset rs;
-    base->RstExecutar(rs, gen, "SELECT DATABASE() AS base");
-    EXPECT_EQ(rs["base"].Texto(), "generaltanzo");
-}
-
 TEST_F(BaseDDMariaTest, ModoPermisivoEnCualquierServidor) {
     // Empty text into a number and a zero date go in as the system expects, even where the
     // server's default mode is strict.

@@ -50,14 +50,6 @@ TEST(Valor, NuloYVacioSeDistinguen) {
     EXPECT_TRUE(Valor::Nulo(TipoCampo::Entero) == Valor());
 }
 
-TEST(Valor, TiposDeLosConstructores) {
-    EXPECT_EQ(Valor(3).Tipo(), TipoCampo::Entero);
-    EXPECT_EQ(Valor(std::int64_t{3}).Tipo(), TipoCampo::Entero);
-    EXPECT_EQ(Valor(2.5).Tipo(), TipoCampo::Decimal);
-    EXPECT_EQ(Valor("x").Tipo(), TipoCampo::Texto);
-    EXPECT_EQ(Valor(true).Texto(), "1");
-}
-
 // A recordset shaped like one read from "clientes".
 Recordset Clientes() {
     Recordset rs;
@@ -96,14 +88,6 @@ TEST(Recordset, CampoInexistenteDiceCualYDeDonde) {
         EXPECT_NE(std::string(e.what()).find("'Telefono'"), std::string::npos);
         EXPECT_NE(std::string(e.what()).find("clientes"), std::string::npos);
     }
-}
-
-TEST(Recordset, VacioEstaEnEofYBof) {
-    Recordset rs;
-    rs.Abre({{"Id", TipoCampo::Entero, "t", true, true}}, {}, "t", "t", {});
-    EXPECT_TRUE(rs.Eof());
-    EXPECT_TRUE(rs.Bof());
-    EXPECT_EQ(rs.RecordCount(), 0);
 }
 
 TEST(Recordset, AsignarYAgregarMarcanLasFilasPendientes) {
