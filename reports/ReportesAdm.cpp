@@ -313,12 +313,16 @@ std::string CarpetaComponente() {
     Dl_info info{};
     if (dladdr(reinterpret_cast<void*>(&CarpetaComponente), &info) != 0 && info.dli_fname &&
         *info.dli_fname) {
-        archivo = info.dli_fname;
+        // Inside the shared library dladdr names the library; linked into a program it names
+        // the program, whose real path /proc/self/exe gives even when started by a relative name.
+        const std::string nombre = fs::path(info.dli_fname).filename().string();
+        if (nombre.ends_with(".so") || nombre.find(".so.") != std::string::npos) {
+            std::error_code ec;
+            archivo = fs::absolute(info.dli_fname, ec);
+        }
     }
     std::error_code ec;
-    if (archivo.empty() || !archivo.is_absolute()) {
-        archivo = fs::read_symlink("/proc/self/exe", ec);
-    }
+    if (archivo.empty()) archivo = fs::read_symlink("/proc/self/exe", ec);
     std::string carpeta = archivo.parent_path().string();
     if (carpeta.empty() || carpeta.back() != '/') carpeta += '/';
     return carpeta;
