@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 
 #include "renderer/writers/ErrorEscritura.h"
 
@@ -12,21 +13,28 @@ namespace paratzorep::renderer {
 
 namespace detail {
 
-// Serialization: geometry as 32-bit floats (a hundredth of a point is far below what
-// paper shows), counts and lengths as 32-bit integers, texts as bytes.
+// Serialization, kept compact because a large report writes tens of thousands of pages:
+// geometry as 32-bit floats (far finer than paper shows), counts, lengths and band numbers
+// as variable-length integers, the small enums packed in one byte, display formats as an
+// index into the list's table of formats, and a text's value only when it has one.
 class Serializador {
   public:
     explicit Serializador(std::vector<char>& b) : b_(b) {}
     void U8(std::uint8_t v) { b_.push_back(static_cast<char>(v)); }
-    void U16(std::uint16_t v) { Crudo(&v, sizeof v); }
-    void U32(std::uint32_t v) { Crudo(&v, sizeof v); }
+    void Var(std::uint64_t v) {
+        while (v >= 0x80) {
+            U8(static_cast<std::uint8_t>(v | 0x80));
+            v >>= 7;
+        }
+        U8(static_cast<std::uint8_t>(v));
+    }
     void F32(double v) {
         float f = static_cast<float>(v);
         Crudo(&f, sizeof f);
     }
     void F64(double v) { Crudo(&v, sizeof v); }
     void Texto(const std::string& s) {
-        U32(static_cast<std::uint32_t>(s.size()));
+        Var(s.size());
         Crudo(s.data(), s.size());
     }
 
@@ -42,19 +50,17 @@ class Deserializador {
   public:
     Deserializador(const char* p, std::size_t n) : p_(p), fin_(p + n) {}
     std::uint8_t U8() {
-        std::uint8_t v;
-        Crudo(&v, 1);
-        return v;
+        if (p_ == fin_) Corto();
+        return static_cast<std::uint8_t>(*p_++);
     }
-    std::uint16_t U16() {
-        std::uint16_t v;
-        Crudo(&v, sizeof v);
-        return v;
-    }
-    std::uint32_t U32() {
-        std::uint32_t v;
-        Crudo(&v, sizeof v);
-        return v;
+    std::uint64_t Var() {
+        std::uint64_t v = 0;
+        for (int desplazamiento = 0; desplazamiento < 64; desplazamiento += 7) {
+            std::uint8_t b = U8();
+            v |= static_cast<std::uint64_t>(b & 0x7F) << desplazamiento;
+            if (!(b & 0x80)) return v;
+        }
+        Corto();
     }
     double F32() {
         float v;
@@ -67,8 +73,8 @@ class Deserializador {
         return v;
     }
     std::string Texto() {
-        std::uint32_t n = U32();
-        if (static_cast<std::size_t>(fin_ - p_) < n) Corto();
+        std::uint64_t n = Var();
+        if (static_cast<std::uint64_t>(fin_ - p_) < n) Corto();
         std::string s(p_, n);
         p_ += n;
         return s;
@@ -87,11 +93,12 @@ class Deserializador {
     const char* fin_;
 };
 
-void Serializa(const PaginaEnConstruccion& pc, std::vector<char>& b) {
+void Serializa(const PaginaEnConstruccion& pc, std::vector<char>& b,
+               const std::function<std::uint64_t(const std::string&)>& indiceFormato) {
     Serializador s(b);
     const Pagina& p = pc.pagina;
-    s.U32(static_cast<std::uint32_t>(p.numero));
-    s.U32(static_cast<std::uint32_t>(p.cajas.size()));
+    s.Var(static_cast<std::uint64_t>(p.numero));
+    s.Var(p.cajas.size());
     for (const auto& c : p.cajas) {
         s.F32(c.x);
         s.F32(c.y);
@@ -100,7 +107,7 @@ void Serializa(const PaginaEnConstruccion& pc, std::vector<char>& b) {
         s.F32(c.grosor);
         s.F32(c.gris);
     }
-    s.U32(static_cast<std::uint32_t>(p.lineas.size()));
+    s.Var(p.lineas.size());
     for (const auto& l : p.lineas) {
         s.F32(l.x1);
         s.F32(l.y1);
@@ -108,7 +115,7 @@ void Serializa(const PaginaEnConstruccion& pc, std::vector<char>& b) {
         s.F32(l.y2);
         s.F32(l.grosor);
     }
-    s.U32(static_cast<std::uint32_t>(p.textos.size()));
+    s.Var(p.textos.size());
     for (const auto& t : p.textos) {
         s.F32(t.x);
         s.F32(t.y);
@@ -116,32 +123,33 @@ void Serializa(const PaginaEnConstruccion& pc, std::vector<char>& b) {
         s.F32(t.alto);
         s.F32(t.base);
         s.F32(t.interlineado);
-        s.U16(t.fuente);
-        s.U8(static_cast<std::uint8_t>(t.alineacion));
-        s.U8(static_cast<std::uint8_t>(t.tipoBanda));
+        s.Var(t.fuente);
+        s.U8(static_cast<std::uint8_t>(static_cast<unsigned>(t.alineacion) |
+                                       static_cast<unsigned>(t.tipo) << 2 |
+                                       static_cast<unsigned>(t.tipoBanda) << 4));
         s.U8(t.nivelGrupo);
-        s.U32(t.banda);
-        s.U16(t.columna);
-        s.U8(static_cast<std::uint8_t>(t.tipo));
-        s.F64(t.numero);
-        s.Texto(t.formato);
-        s.U32(static_cast<std::uint32_t>(t.renglones.size()));
+        s.Var(t.banda);
+        s.Var(t.columna);
+        if (t.tipo != TipoValor::Texto) s.F64(t.numero);
+        s.Var(indiceFormato(t.formato));
+        s.Var(t.renglones.size());
         for (const auto& r : t.renglones) {
             s.Texto(r.texto);
             s.F32(r.dx);
             s.F32(r.ancho);
         }
     }
-    s.U32(static_cast<std::uint32_t>(pc.pendientes.size()));
-    for (auto i : pc.pendientes) s.U32(i);
+    s.Var(pc.pendientes.size());
+    for (auto i : pc.pendientes) s.Var(i);
 }
 
-PaginaEnConstruccion Deserializa(const char* datos, std::size_t n) {
+PaginaEnConstruccion Deserializa(const char* datos, std::size_t n,
+                                 const std::vector<std::string>& formatos) {
     Deserializador d(datos, n);
     PaginaEnConstruccion pc;
     Pagina& p = pc.pagina;
-    p.numero = static_cast<int>(d.U32());
-    p.cajas.resize(d.U32());
+    p.numero = static_cast<int>(d.Var());
+    p.cajas.resize(d.Var());
     for (auto& c : p.cajas) {
         c.x = d.F32();
         c.y = d.F32();
@@ -150,7 +158,7 @@ PaginaEnConstruccion Deserializa(const char* datos, std::size_t n) {
         c.grosor = d.F32();
         c.gris = d.F32();
     }
-    p.lineas.resize(d.U32());
+    p.lineas.resize(d.Var());
     for (auto& l : p.lineas) {
         l.x1 = d.F32();
         l.y1 = d.F32();
@@ -158,7 +166,7 @@ PaginaEnConstruccion Deserializa(const char* datos, std::size_t n) {
         l.y2 = d.F32();
         l.grosor = d.F32();
     }
-    p.textos.resize(d.U32());
+    p.textos.resize(d.Var());
     for (auto& t : p.textos) {
         t.x = d.F32();
         t.y = d.F32();
@@ -166,24 +174,28 @@ PaginaEnConstruccion Deserializa(const char* datos, std::size_t n) {
         t.alto = d.F32();
         t.base = d.F32();
         t.interlineado = d.F32();
-        t.fuente = d.U16();
-        t.alineacion = static_cast<Alineacion>(d.U8());
-        t.tipoBanda = static_cast<TipoBanda>(d.U8());
+        t.fuente = static_cast<std::uint16_t>(d.Var());
+        std::uint8_t banderas = d.U8();
+        t.alineacion = static_cast<Alineacion>(banderas & 3);
+        t.tipo = static_cast<TipoValor>((banderas >> 2) & 3);
+        t.tipoBanda = static_cast<TipoBanda>(banderas >> 4);
         t.nivelGrupo = d.U8();
-        t.banda = d.U32();
-        t.columna = d.U16();
-        t.tipo = static_cast<TipoValor>(d.U8());
-        t.numero = d.F64();
-        t.formato = d.Texto();
-        t.renglones.resize(d.U32());
+        t.banda = static_cast<std::uint32_t>(d.Var());
+        t.columna = static_cast<std::uint16_t>(d.Var());
+        if (t.tipo != TipoValor::Texto) t.numero = d.F64();
+        std::uint64_t f = d.Var();
+        if (f >= formatos.size())
+            throw ErrorEscritura("El archivo temporal de páginas está dañado");
+        t.formato = formatos[f];
+        t.renglones.resize(d.Var());
         for (auto& r : t.renglones) {
             r.texto = d.Texto();
             r.dx = d.F32();
             r.ancho = d.F32();
         }
     }
-    pc.pendientes.resize(d.U32());
-    for (auto& i : pc.pendientes) i = d.U32();
+    pc.pendientes.resize(d.Var());
+    for (auto& i : pc.pendientes) i = static_cast<std::uint32_t>(d.Var());
     return pc;
 }
 
@@ -227,7 +239,11 @@ void ListaPaginas::Agrega(const PaginaEnConstruccion& pagina) {
     }
     bufer_.clear();
     bufer_.resize(sizeof(std::uint32_t));
-    detail::Serializa(pagina, bufer_);
+    detail::Serializa(pagina, bufer_, [this](const std::string& f) -> std::uint64_t {
+        auto [it, nuevo] = indiceFormatos_.try_emplace(f, formatos_.size());
+        if (nuevo) formatos_.push_back(f);
+        return it->second;
+    });
     auto n = static_cast<std::uint32_t>(bufer_.size() - sizeof(std::uint32_t));
     std::memcpy(bufer_.data(), &n, sizeof n);
     offsets_.push_back(tamano_);
@@ -252,7 +268,7 @@ Pagina ListaPaginas::Lee(int indice, Medidor& medidor, const std::string* totalP
     bufer_.resize(n);
     if (n && std::fread(bufer_.data(), 1, n, archivo_.get()) != n)
         throw ErrorEscritura("No se pudo leer el archivo temporal de páginas");
-    PaginaEnConstruccion pc = detail::Deserializa(bufer_.data(), n);
+    PaginaEnConstruccion pc = detail::Deserializa(bufer_.data(), n, formatos_);
 
     const std::string total = totalProvisional ? *totalProvisional : std::to_string(Total());
     for (auto i : pc.pendientes) {

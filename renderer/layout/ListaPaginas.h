@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "renderer/layout/Medidor.h"
@@ -53,6 +54,8 @@ class ListaPaginas {
     };
     std::unique_ptr<std::FILE, CierraArchivo> archivo_;
     std::vector<std::uint64_t> offsets_;
+    std::vector<std::string> formatos_;  // display formats, by the index the pages store
+    std::unordered_map<std::string, std::uint64_t> indiceFormatos_;
     std::vector<char> bufer_;
     std::uint64_t tamano_ = 0;
     bool leyendo_ = false;
