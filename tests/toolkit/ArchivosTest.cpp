@@ -11,10 +11,12 @@
 #include "toolkit/Auxiliares.h"
 #include "toolkit/BitacoraUsuarios.h"
 #include "toolkit/DeArchivos.h"
+#include "toolkit/ElSkin.h"
 #include "toolkit/Fabrica.h"
 #include "toolkit/Ini.h"
 #include "toolkit/LibKRVM.h"
 #include "toolkit/MyODBCs.h"
+#include "toolkit/Utilerias.h"
 
 namespace paratzorep::toolkit {
 namespace {
@@ -247,6 +249,67 @@ TEST(BitacoraUsuariosTest, SentenciaCodificaConSusLlaves) {
     EXPECT_NE(sql.find("ENCODE('caja1','527')"), std::string::npos);
     EXPECT_NE(sql.find(",156,"), std::string::npos);
     EXPECT_THROW(b.Graba(nullptr), host::ErrorDatos);
+}
+
+}  // namespace
+}  // namespace paratzorep::toolkit
+
+namespace paratzorep::toolkit {
+namespace {
+
+TEST(RegistroKvtz5Test, ValoresEnElArchivoDeConfiguracionDelUsuario) {
+    apoyo::CarpetaTemporal tmp;
+    const char* previo = std::getenv("XDG_CONFIG_HOME");
+    std::string guardado = previo ? previo : "";
+    ::setenv("XDG_CONFIG_HOME", tmp.ruta().c_str(), 1);
+    EXPECT_EQ(ArchivoRegistro(), tmp / "kvtz5" / "kvtz5.ini");
+    Utilerias u;
+    EXPECT_EQ(u.LeeRegistro("MovEnLinea", "Servidor", "ninguno"), "ninguno");
+    u.GrabaRegistro("MovEnLinea", "Servidor", "central");
+    EXPECT_EQ(u.LeeRegistro("movenlinea", "servidor"), "central");
+    // Window positions without a settings file go to the same registry file.
+    struct V : host::Ventana {
+        std::string Nombre() const override { return "RepAdmSALF"; }
+    } v;
+    v.Top = 5;
+    ElSkin skin;
+    skin.GrabaCoord(v);
+    V w;
+    skin.LeeCoord(w);
+    EXPECT_EQ(w.Top, 5);
+    EXPECT_EQ(LeeIni("RepAdmSALF", "Firma", ArchivoRegistro()), "RepAdmSALF");
+    if (previo) {
+        ::setenv("XDG_CONFIG_HOME", guardado.c_str(), 1);
+    } else {
+        ::unsetenv("XDG_CONFIG_HOME");
+    }
+}
+
+TEST(ElSkinTest, PosicionDeOtraVentanaNoSeAplica) {
+    apoyo::CarpetaTemporal tmp;
+    ElSkin skin;
+    skin.ArchivoINI = (tmp / "s.ini").string();
+    EscribeIni("RepAdmCxC", "Linea", "50", skin.ArchivoINI);  // no signature: not ours
+    struct V : host::Ventana {
+        std::string Nombre() const override { return "RepAdmCxC"; }
+    } v;
+    v.Top = 9;
+    skin.LeeCoord(v);
+    EXPECT_EQ(v.Top, 9);
+    skin.Skin(v);
+    EXPECT_EQ(v.Piel, "kvtz5");
+}
+
+TEST(ElSkinTest, MensajesYBarraVanAlAnfitrion) {
+    auto g = std::make_shared<host::InteraccionGrabada>();
+    host::InteraccionTemporal t(g);
+    ElSkin skin;
+    skin.MsgBoxSkn("Sin datos", "Reporte", host::Icono::Exclamacion);
+    skin.BarraPorcentaje(3, 4, "Llenando");
+    ASSERT_EQ(g->mensajes.size(), 1u);
+    EXPECT_EQ(g->mensajes[0].titulo, "Reporte");
+    EXPECT_EQ(g->mensajes[0].texto, "Sin datos");
+    EXPECT_EQ(g->progresos.back().first, 75);
 }
 
 }  // namespace
