@@ -291,6 +291,27 @@ void cargarArchivo(Conexion& conexion, const std::filesystem::path& archivo, int
     }
 }
 
+void cargarArchivo(st_mysql* mysql, const std::filesystem::path& archivo) {
+    if (!mysql) throw ErrorEsquema("No hay conexión para cargar " + archivo.string());
+    std::ifstream f(archivo, std::ios::binary);
+    if (!f)
+        throw ErrorEsquema("No se pudo leer el archivo de esquema " + archivo.string(), {}, 0,
+                           archivo.string());
+    std::stringstream ss;
+    ss << f.rdbuf();
+    for (const auto& s : dividirSentencias(ss.str(), archivo.string())) {
+        if (mysql_real_query(mysql, s.sql.data(), s.sql.size()) != 0)
+            throw errorEnArchivo(
+                archivo, s,
+                ErrorEsquema(std::string("El servidor rechazó la sentencia (error ") +
+                                 std::to_string(mysql_errno(mysql)) + "): " + mysql_error(mysql),
+                             s.sql, mysql_errno(mysql)));
+        do {
+            if (MYSQL_RES* r = mysql_store_result(mysql)) mysql_free_result(r);
+        } while (mysql_next_result(mysql) == 0);
+    }
+}
+
 void recrearBase(Conexion& conexion, const std::string& base, const std::filesystem::path& archivo,
                  int paralelas) {
     if (!nombreDeBaseValido(base))

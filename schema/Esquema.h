@@ -103,6 +103,10 @@ std::filesystem::path carpetaEsquemas();
 // ErrorEsquema naming the file, the line, the server's code and message.
 void cargarArchivo(Conexion& conexion, const std::filesystem::path& archivo, int paralelas = 4);
 
+// The same over a connection that the caller owns (a test's scratch database,
+// another layer's handle): every statement in order, in its current database.
+void cargarArchivo(st_mysql* mysql, const std::filesystem::path& archivo);
+
 // Drops the database when it exists, creates it (utf8mb4), makes it current and
 // loads the schema file into it.
 void recrearBase(Conexion& conexion, const std::string& base, const std::filesystem::path& archivo,

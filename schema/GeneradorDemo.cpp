@@ -2626,6 +2626,7 @@ void Simulacion::cierre() {
     anx->termina();
 
     // General database: structure texts of the activity log and a few icons.
+    if (op_.baseGeneral.empty()) return;
     auto est =
         std::make_unique<Lote>(c_, conteos_, "`" + op_.baseGeneral + "`.estructurasm", "Id,Dato");
     for (const auto& [id, texto] : kEstructuras) est->agrega(Renglon().n(id).cod(texto, "527"));
@@ -2751,7 +2752,7 @@ ConteoFilas generarDemo(Conexion& conexion, const OpcionesDemo& opciones) {
         throw std::invalid_argument("Los días de historia deben estar entre 1 y 3660 (se recibió " +
                                     std::to_string(opciones.dias) + ")");
     for (const auto* b : {&opciones.baseEmpresa, &opciones.baseGeneral})
-        if (!nombreDeBaseValido(*b))
+        if (!nombreDeBaseValido(*b) && !(b == &opciones.baseGeneral && b->empty()))
             throw std::invalid_argument("Nombre de base de datos no válido: '" + *b + "'");
     ConteoFilas conteos;
     detail::Escritores escritores(conexion, 3);

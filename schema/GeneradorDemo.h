@@ -20,7 +20,7 @@ struct OpcionesDemo {
     // Days of history up to the fixed last day; 0 means the whole two years.
     int dias = 0;
     std::string baseEmpresa = "datos1";
-    std::string baseGeneral = "generaltanzo";
+    std::string baseGeneral = "generaltanzo";  // empty: the general database is left alone
     // Receives progress texts during long loads (may be empty).
     std::function<void(std::string_view)> progreso;
 };

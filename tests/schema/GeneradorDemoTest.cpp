@@ -131,6 +131,26 @@ TEST(GeneradorDemo, RechazaEscalasFueraDeRango) {
     EXPECT_THROW(generarDemo(c, op), std::invalid_argument);
 }
 
+// What another layer's tests do: the company schema and a short history in
+// their own scratch database, without a general database.
+TEST(GeneradorDemo, CargaEsquemaYDemoCortaEnUnaBaseDePrueba) {
+    pruebas::BaseDeDatosDePrueba bd;
+    cargarArchivo(bd.mysql(), carpetaEsquemas() / "empresa.sql");
+    EXPECT_EQ(bd.valor("SELECT COUNT(*) FROM information_schema.TABLES WHERE TABLE_SCHEMA='" +
+                       bd.nombre() + "'"),
+              "63");
+    auto c = Conexion::abrir(pruebas::servidorDePrueba(), bd.nombre());
+    OpcionesDemo op;
+    op.baseEmpresa = bd.nombre();
+    op.baseGeneral = "";
+    op.dias = 20;
+    const auto conteos = generarDemo(c, op);
+    EXPECT_EQ(conteos.count("`" + bd.nombre() + "`.facturas"), 1u);
+    EXPECT_NE(bd.valor("SELECT COUNT(*) FROM facturas"), "0");
+    EXPECT_EQ(bd.valor("SELECT MIN(Fecha) FROM edoctacli"), "2026-10-12");
+    EXPECT_THROW(cargarArchivo(bd.mysql(), carpetaEsquemas() / "empresa.sql"), ErrorEsquema);
+}
+
 // The whole scale-1 company: every table filled, and the figures that the
 // reports rely on agree with one another.
 class DemoCompleta : public ::testing::Test {
