@@ -47,7 +47,9 @@ TEST_P(ParteTest, ParteEnBlancosYRespetaElAncho) {
     for (const auto& l : r) {
         lineas.push_back(l.texto);
         EXPECT_NEAR(l.ancho, medidor.Ancho(f, l.texto), 1e-9);
-        if (l.texto.size() > 1) EXPECT_LE(l.ancho, ancho + 0.01) << l.texto;
+        if (l.texto.size() > 1) {
+            EXPECT_LE(l.ancho, ancho + 0.01) << l.texto;
+        }
     }
     EXPECT_EQ(lineas, c.lineas);
 }
