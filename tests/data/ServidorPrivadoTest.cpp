@@ -134,7 +134,13 @@ TEST(ServidorPrivadoVida, IniciarRechazarDetenerYReiniciarConservaDatos) {
     auto m = pruebas::conectar(d2);
     EXPECT_EQ(pruebas::valor(m.get(), "SELECT GROUP_CONCAT(s ORDER BY n) FROM vida.t"), "año,niño");
     m.reset();
+
+    // Without the connection file the server is still found (pid file) and
+    // stopped with a signal.
+    fs::remove(servidor.archivoConexion());
+    ASSERT_TRUE(servidor.estado().corriendo);
     EXPECT_TRUE(servidor.detener());
+    EXPECT_FALSE(servidor.estado().corriendo);
 }
 
 TEST(ServidorPrivadoVida, FalloAlIniciarMuestraElRegistro) {
