@@ -224,6 +224,10 @@ class Escritores {
                 if (cola_.empty()) return;
                 sql = std::move(cola_.front());
                 cola_.pop_front();
+                if (error_) {  // the load has failed: drop what is left
+                    espacio_.notify_all();
+                    continue;
+                }
                 ++ocupados_;
             }
             std::exception_ptr e;

@@ -149,6 +149,13 @@ TEST(GeneradorDemo, CargaEsquemaYDemoCortaEnUnaBaseDePrueba) {
     EXPECT_NE(bd.valor("SELECT COUNT(*) FROM facturas"), "0");
     EXPECT_EQ(bd.valor("SELECT MIN(Fecha) FROM edoctacli"), "2026-10-12");
     EXPECT_THROW(cargarArchivo(bd.mysql(), carpetaEsquemas() / "empresa.sql"), ErrorEsquema);
+    // A second load into the filled database fails on the first duplicate key.
+    try {
+        generarDemo(c, op);
+        FAIL() << "debió fallar";
+    } catch (const ErrorEsquema& e) {
+        EXPECT_EQ(e.codigo(), 1062u) << e.what();
+    }
 }
 
 // The whole scale-1 company: every table filled, and the figures that the
