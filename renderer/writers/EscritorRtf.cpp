@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "renderer/writers/ArchivoSalida.h"
 #include "renderer/writers/ErrorEscritura.h"
@@ -109,6 +110,46 @@ std::string TextoRtf(std::string_view utf8) {
     return r;
 }
 
+std::string FigurasRtf(const renderer::Pagina& pagina) {
+    std::string r;
+    int z = 0;
+    auto sp = [](const char* n, long v) {
+        return std::string("{\\sp{\\sn ") + n + "}{\\sv " + std::to_string(v) + "}}";
+    };
+    auto figura = [&r, &z, &sp](double x0, double y0, double x1, double y1, int tipo,
+                                const std::string& propiedades) {
+        r += "{\\shp{\\*\\shpinst\\shpleft" + std::to_string(Twips(std::min(x0, x1))) + "\\shptop" +
+             std::to_string(Twips(std::min(y0, y1))) + "\\shpright" +
+             std::to_string(Twips(std::max(x0, x1))) + "\\shpbottom" +
+             std::to_string(Twips(std::max(y0, y1))) +
+             "\\shpfhdr0\\shpbxpage\\shpbypage\\shpwr3\\shpwrk0\\shpfblwtxt1\\shpz" +
+             std::to_string(z++) + sp("shapeType", tipo) + propiedades + "}}";
+    };
+    constexpr double kEmuPorPunto = 12700;
+    for (const auto& c : pagina.cajas) {
+        std::string p;
+        if (c.gris >= 0) {
+            long v = std::lround(std::clamp(c.gris, 0.0, 1.0) * 255);
+            p += sp("fFilled", 1) + sp("fillColor", v << 16 | v << 8 | v);
+        } else {
+            p += sp("fFilled", 0);
+        }
+        if (c.grosor > 0)
+            p += sp("fLine", 1) + sp("lineWidth", std::lround(c.grosor * kEmuPorPunto));
+        else
+            p += sp("fLine", 0);
+        figura(c.x, c.y, c.x + c.ancho, c.y + c.alto, 1, p);
+    }
+    for (const auto& l : pagina.lineas) {
+        // A line runs from the shape's top-left to its bottom-right corner unless flipped.
+        bool invertida = (l.x2 - l.x1) * (l.y2 - l.y1) < 0;
+        figura(l.x1, l.y1, l.x2, l.y2, 20,
+               sp("lineWidth", std::lround(std::max(l.grosor, 0.1) * kEmuPorPunto)) +
+                   (invertida ? sp("fFlipV", 1) : std::string()));
+    }
+    return r;
+}
+
 std::vector<std::vector<PiezaRtf>> LineasRtf(std::vector<PiezaRtf> piezas) {
     std::stable_sort(piezas.begin(), piezas.end(),
                      [](const auto& a, const auto& b) { return a.base < b.base; });
@@ -197,6 +238,9 @@ void EscritorRtf::Pagina(const renderer::Pagina& pagina) {
     std::string& s = buffer_;
     s.clear();
     bool primeraLinea = true;
+    // Lines and boxes are shapes placed on the page, anchored in the page's first paragraph.
+    std::string figuras = detail::FigurasRtf(pagina);
+    auto tomarFiguras = [&figuras] { return std::exchange(figuras, std::string()); };
     auto inicioParrafo = [&] {
         s += "\\pard\\plain\\nowidctlpar";
         if (primeraLinea && !primeraPagina_) s += "\\pagebb";
@@ -212,7 +256,7 @@ void EscritorRtf::Pagina(const renderer::Pagina& pagina) {
             // Spacing before a paragraph may be dropped at the top of a page: an empty
             // paragraph of exact height holds the gap instead.
             inicioParrafo();
-            s += "\\sl-" + std::to_string(hueco) + "\\slmult0\\fs2\\par\n";
+            s += "\\sl-" + std::to_string(hueco) + "\\slmult0\\fs2 " + tomarFiguras() + "\\par\n";
             hueco = 0;
         }
         inicioParrafo();
@@ -241,12 +285,12 @@ void EscritorRtf::Pagina(const renderer::Pagina& pagina) {
                      (f.cursiva ? "\\i" : "") + (f.subrayada ? "\\ul" : "") + " " +
                      detail::TextoRtf(*p.texto) + "}";
         }
-        s += tabuladores + " " + texto + "\\par\n";
+        s += tabuladores + " " + tomarFiguras() + texto + "\\par\n";
         cursor = arriba + alto;
     }
     if (primeraLinea) {  // a page without texts still takes its page
         inicioParrafo();
-        s += "\\par\n";
+        s += " " + tomarFiguras() + "\\par\n";
     }
     primeraPagina_ = false;
     Escribir(s);

@@ -4,7 +4,8 @@
 // them (left, right or centre tabs after each text's alignment), so columns stay
 // aligned and the document stays editable. Vertical gaps become spacing before the
 // paragraph; every page after the first starts with a page break. Text outside ASCII is
-// written as \uN escapes with a Windows-1252 fallback. Lines and boxes are not drawn.
+// written as \uN escapes with a Windows-1252 fallback. Lines and boxes become shapes
+// positioned on the page behind the text.
 //
 // DOC: the "Word para Windows (*.doc)" type writes the same RTF document under the
 // .doc name. Word and LibreOffice Writer recognise the content and open it as a
@@ -35,6 +36,9 @@ struct PiezaRtf {
     double tamano = 9;
     const std::string* texto = nullptr;
 };
+
+// The page's boxes and lines as RTF shapes positioned on the page, behind the text.
+std::string FigurasRtf(const renderer::Pagina& pagina);
 
 // Pieces that share a baseline (within a fraction of their size), top to bottom, each
 // line left to right.

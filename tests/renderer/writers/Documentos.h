@@ -130,6 +130,9 @@ inline void Escribir(Escritor& w) {
             t(36, y, 60, std::to_string(10 + i) + "/01/2024", Alineacion::Izquierda);
             t(110, y, 200, Cliente(i), Alineacion::Izquierda);
         }
+        // A rule under the heads and a grey box in the top right corner.
+        p.lineas.push_back({36, 70, 500, 70, 2});
+        p.cajas.push_back({450, 10, 100, 20, 0, 0.5});
         w.Pagina(p);
     }
     w.Termina();

@@ -2,6 +2,9 @@
 // of the same reports converted to PDF in one call, and read with pdftotext.
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
+
 #include "Documentos.h"
 #include "Lector.h"
 #include "renderer/writers/EscritorRtf.h"
@@ -11,6 +14,26 @@ namespace paratzorep::renderer {
 namespace {
 
 using namespace prueba;
+
+// A greyscale PGM as rows of bytes.
+struct Imagen {
+    int ancho = 0, alto = 0;
+    std::string datos;
+    bool empty() const { return datos.empty(); }
+    int at(int y, int x) const { return static_cast<unsigned char>(datos.at(y * ancho + x)); }
+};
+
+Imagen Pixeles(const std::filesystem::path& pgm) {
+    std::ifstream in(pgm, std::ios::binary);
+    std::string magia;
+    Imagen img;
+    int maximo = 0;
+    if (!(in >> magia >> img.ancho >> img.alto >> maximo) || magia != "P5") return {};
+    in.get();
+    img.datos.assign(std::istreambuf_iterator<char>(in), {});
+    if (img.datos.size() < static_cast<std::size_t>(img.ancho) * img.alto) return {};
+    return img;
+}
 
 TEST(LibreOffice, AbreRtfDocXlsYXlsx) {
     if (!HayPrograma("soffice")) GTEST_SKIP() << "LibreOffice no está instalado";
@@ -49,6 +72,16 @@ TEST(LibreOffice, AbreRtfDocXlsYXlsx) {
         }
         EXPECT_EQ(fechas, 2 * kFilas);
         EXPECT_EQ(importes, 2 * kFilas);
+
+        // The rule and the grey box, seen on the first page drawn at 1 pixel a point.
+        Ejecutar("pdftoppm -r 72 -gray -f 1 -l 1 " + pdf.string() + " " +
+                 (carpeta / nombre).string());
+        auto pixeles = Pixeles(carpeta / (nombre + "-1.pgm"));
+        ASSERT_FALSE(pixeles.empty());
+        for (int x : {40, 200, 495}) EXPECT_LT(pixeles.at(70, x), 64) << "regla en x=" << x;
+        for (int x : {30, 510}) EXPECT_GT(pixeles.at(70, x), 200) << "fuera de la regla en x=" << x;
+        for (int x : {455, 545}) EXPECT_NEAR(pixeles.at(20, x), 128, 16) << "caja en x=" << x;
+        EXPECT_GT(pixeles.at(20, 560), 200);
     }
 
     // Workbooks: Calc shows the numbers and dates through their formats, so they are
