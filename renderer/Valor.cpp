@@ -135,11 +135,11 @@ std::int64_t Fecha::diaJuliano() const {
     const std::int64_t yoe = y - era * 400;
     const std::int64_t doy = (153 * (m + (m > 2 ? -3 : 9)) + 2) / 5 + dia - 1;
     const std::int64_t doe = yoe * 365 + yoe / 4 - yoe / 100 + doy;
-    return era * 146097 + doe - 306 - 365;  // 0000-03-01 based -> 0001-01-01 based
+    return era * 146097 + doe - 306;  // 0000-03-01 based -> 0001-01-01 based
 }
 
 Fecha Fecha::desdeDiaJuliano(std::int64_t dias) {
-    std::int64_t z = dias + 306 + 365;
+    std::int64_t z = dias + 306;
     const std::int64_t era = (z >= 0 ? z : z - 146096) / 146097;
     const std::int64_t doe = z - era * 146097;
     const std::int64_t yoe = (doe - doe / 1460 + doe / 36524 - doe / 146096) / 365;
@@ -475,6 +475,13 @@ std::string formatearFecha(const FechaHora& v, std::string_view patron) {
     std::string out;
     bool trasHora = false;  // "mm" right after an hour token means minutes
     for (std::size_t i = 0; i < patron.size();) {
+        if (patron[i] == '"') {  // quoted text is copied as it is
+            const std::size_t cierre = patron.find('"', i + 1);
+            const std::size_t hasta = cierre == std::string_view::npos ? patron.size() : cierre;
+            out.append(patron.substr(i + 1, hasta - i - 1));
+            i = hasta + 1;
+            continue;
+        }
         const char c = static_cast<char>(std::tolower(static_cast<unsigned char>(patron[i])));
         std::size_t n = 1;
         while (i + n < patron.size() &&

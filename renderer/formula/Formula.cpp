@@ -94,6 +94,9 @@ struct Token {
     double numero = 0;
 };
 
+// Trees deeper than this are refused: evaluation, printing and destruction recurse.
+constexpr int kAlturaMaxima = 400;
+
 class Analizador {
   public:
     explicit Analizador(std::string_view fuente) : src_(fuente) { avanzar(); }
@@ -271,8 +274,19 @@ class Analizador {
         n->tramo = a->tramo;
         n->tramo.fin = b->tramo.fin;
         n->op = std::move(op);
+        n->altura = std::max(a->altura, b->altura) + 1;
+        if (n->altura > kAlturaMaxima)
+            error(n->tramo.inicio, n->tramo.fin, "la fórmula anida demasiados niveles");
         n->hijos.push_back(std::move(a));
         n->hijos.push_back(std::move(b));
+        return n;
+    }
+
+    // Sets the node's height from its children and refuses trees too deep.
+    std::unique_ptr<Nodo> cerrar(std::unique_ptr<Nodo> n) const {
+        for (const auto& h : n->hijos) n->altura = std::max(n->altura, h->altura + 1);
+        if (n->altura > kAlturaMaxima)
+            error(n->tramo.inicio, n->tramo.fin, "la fórmula anida demasiados niveles");
         return n;
     }
 
@@ -315,7 +329,7 @@ class Analizador {
             auto n = nuevo(TipoNodo::Unario, ini, h->tramo.fin);
             n->op = "not";
             n->hijos.push_back(std::move(h));
-            return n;
+            return cerrar(std::move(n));
         }
         return comparacion();
     }
@@ -376,7 +390,7 @@ class Analizador {
             auto n = nuevo(TipoNodo::Unario, ini, h->tramo.fin);
             n->op = "-";
             n->hijos.push_back(std::move(h));
-            return n;
+            return cerrar(std::move(n));
         }
         return primario();
     }
@@ -450,7 +464,7 @@ class Analizador {
                     }
                     n->tramo.fin = tok_.fin;
                     exigirSimbolo("]");
-                    return n;
+                    return cerrar(std::move(n));
                 }
                 esperado("un valor");
             case Tok::Ident:
@@ -483,7 +497,7 @@ class Analizador {
                 n->hijos.push_back(expresion());
             }
             n->tramo.fin = n->hijos.back()->tramo.fin;
-            return n;
+            return cerrar(std::move(n));
         }
         static constexpr const char* kReservadas[] = {"and", "or", "not", "in", "then", "else"};
         for (const char* r : kReservadas)
@@ -527,7 +541,7 @@ class Analizador {
                 error(n->hijos[1]->tramo.inicio, n->hijos[1]->tramo.fin,
                       "el grupo de " + n->nombre + " debe ser un campo {tabla.campo}");
         }
-        return n;
+        return cerrar(std::move(n));
     }
 
     std::unique_ptr<Nodo> formulaCompleta() {

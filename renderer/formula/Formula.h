@@ -77,6 +77,7 @@ struct Nodo {
     std::string tabla;   // Campo
     std::string nombre;  // Campo: field; RefFormula/Parametro: name; Funcion: function
     std::string op;      // Unario/Binario, lower-case
+    int altura = 1;      // levels of the subtree (bounded by the parser)
     std::vector<std::unique_ptr<Nodo>> hijos;
 };
 

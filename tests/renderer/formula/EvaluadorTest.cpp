@@ -1,0 +1,179 @@
+// Evaluation: values, three-valued logic, functions, kind errors.
+#include <gtest/gtest.h>
+
+#include "renderer/formula/Evaluador.h"
+#include "tests/renderer/formula/ContextoDePrueba.h"
+
+namespace paratzorep::renderer::formula {
+namespace {
+
+prueba::ContextoFila fila() {
+    prueba::ContextoFila c;
+    c.con("t", "Num", Valor::numero(1234.5))
+        .con("t", "Cero", Valor::numero(0))
+        .con("t", "Texto", Valor::texto("Devolución Ctes. 12"))
+        .con("t", "Clave", Valor::texto("C001"))
+        .con("t", "Fecha", Valor::fecha({2024, 3, 5}))
+        .con("t", "Vacia", Valor::fecha({}))
+        .con("t", "Momento", Valor::fechaHora({{2024, 3, 5}, {10, 30, 0}}))
+        .con("t", "Nulo", Valor());
+    c.formulas_["Doble"] = Valor::numero(2);
+    c.parametros_["UsuarioImpresion"] = Valor::texto("ANA");
+    return c;
+}
+
+struct Caso {
+    const char* formula;
+    Valor esperado;
+};
+
+class Evaluacion : public ::testing::TestWithParam<Caso> {};
+
+TEST_P(Evaluacion, DaElValorEsperado) {
+    const auto ctx = fila();
+    const Valor v = evaluar(analizar(GetParam().formula), ctx);
+    EXPECT_EQ(v, GetParam().esperado) << GetParam().formula << " -> " << v.aTexto();
+}
+
+const Valor V = Valor::booleano(true);
+const Valor F = Valor::booleano(false);
+const Valor N;
+Valor num(double d) {
+    return Valor::numero(d);
+}
+Valor tx(const char* s) {
+    return Valor::texto(s);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Aritmetica, Evaluacion,
+    ::testing::Values(Caso{"1 + 2 * 3", num(7)}, Caso{"-{t.Num} + 1", num(-1233.5)},
+                      Caso{"10 / 4", num(2.5)}, Caso{"{t.Num} * {@Doble}", num(2469)},
+                      Caso{"{t.Nulo} + 1", N}, Caso{"'a' + 'b'", tx("ab")},
+                      Caso{"'n=' & 5", tx("n=5.00")},
+                      Caso{"{t.Clave} & '-' & {t.Fecha}", tx("C001-05/03/2024")},
+                      Caso{"{t.Fecha} + 27", Valor::fecha({2024, 4, 1})},
+                      Caso{"{t.Fecha} - Date(2024,2,28)", num(6)},
+                      Caso{"{t.Momento} + 0.5", Valor::fechaHora({{2024, 3, 5}, {22, 30, 0}})},
+                      Caso{"{t.Vacia} + 3", Valor::fecha({})}));
+
+INSTANTIATE_TEST_SUITE_P(
+    Logica, Evaluacion,
+    ::testing::Values(
+        // comparisons under the server's collation
+        Caso{"{t.Clave} = 'c001'", V}, Caso{"{t.Clave} = 'C001   '", V},
+        Caso{"'Canción' = 'CANCION'", V}, Caso{"'niño' = 'NINO'", V}, Caso{"'a' < 'B'", V},
+        Caso{"{t.Num} >= 1234.5", V}, Caso{"{t.Fecha} >= Date(2024,3,5)", V},
+        Caso{"{t.Fecha} > Date(2024,3,5)", F}, Caso{"{t.Momento} > Date(2024,3,5)", V},
+        Caso{"{t.Momento} = DateTime(2024,3,5,10,30,0)", V},
+        // the empty date sorts before every date, as on the server
+        Caso{"{t.Vacia} < Date(1,1,1)", V}, Caso{"{t.Vacia} >= Date(2024,3,5)", F},
+        // substring test: case and accents as LOCATE() sees them
+        Caso{"'CTES.' in {t.Texto}", V}, Caso{"'devolución' in {t.Texto}", V},
+        Caso{"'DEVOLUCION' in {t.Texto}", F},  // 'o' (1 byte) against 'ó' (2 bytes)
+        Caso{"'' in {t.Texto}", V}, Caso{"'x' in {t.Nulo}", N},
+        Caso{"{t.Clave} in ['A', 'c001']", V}, Caso{"{t.Clave} in ['A', 'B']", F},
+        Caso{"{t.Nulo} in [1]", N}, Caso{"{t.Num} in [1, {t.Nulo}]", N},
+        // three-valued logic
+        Caso{"{t.Nulo} = 1", N}, Caso{"not ({t.Nulo} = 1)", N}, Caso{"{t.Nulo} = 1 and 1 = 2", F},
+        Caso{"{t.Nulo} = 1 or 1 = 1", V}, Caso{"{t.Nulo} = 1 or 1 = 2", N},
+        Caso{"{t.Nulo} = 1 and 1 = 1", N},
+        // short-circuit: the right side is not evaluated
+        Caso{"1 = 2 and {t.NoExiste} = 1", F}, Caso{"1 = 1 or {t.NoExiste} = 1", V},
+        Caso{"if {t.Cero} = 0 then 'cero' else 'otro'", tx("cero")},
+        Caso{"if {t.Nulo} = 0 then 'cero' else 'otro'", tx("otro")}, Caso{"if 1 = 2 then 'x'", N}));
+
+INSTANTIATE_TEST_SUITE_P(
+    Funciones, Evaluacion,
+    ::testing::Values(
+        Caso{"ToText({t.Num})", tx("1,234.50")}, Caso{"ToText({t.Num}, 0)", tx("1,235")},
+        Caso{"ToText(-{t.Num}, '#,##0.00')", tx("-1,234.50")}, Caso{"ToText(2.5, '0')", tx("3")},
+        Caso{"ToText(0.125, '0.00')", tx("0.13")},
+        Caso{"ToText(1234567.891, '##,###,##0.00')", tx("1,234,567.89")},
+        Caso{"ToText(1234.5, 2, '')", tx("1234.50")},
+        Caso{"ToText({t.Fecha}, 'dd/mmm/yyyy')", tx("05/mar/2024")},
+        Caso{"ToText(Date(2024,12,1), 'd \"de\" mmmm \"de\" yyyy')", tx("1 de diciembre de 2024")},
+        Caso{"ToText({t.Momento}, 'dd/mm/yy hh:mm')", tx("05/03/24 10:30")},
+        Caso{"ToText({t.Vacia}, 'dd/mmm/yyyy')", tx("")}, Caso{"Trim('  a b  ')", tx("a b")},
+        Caso{"UpperCase('canción ñ')", tx("CANCIÓN Ñ")}, Caso{"LowerCase('ÁRBOL')", tx("árbol")},
+        Caso{"Left('añoxyz', 3)", tx("año")}, Caso{"Right('xyzaño', 3)", tx("año")},
+        Caso{"Mid('xañoz', 2, 3)", tx("año")}, Caso{"Mid('abc', 2)", tx("bc")},
+        Caso{"Mid('abc', 9)", tx("")}, Caso{"Len('año')", num(3)},
+        Caso{"Year({t.Fecha})", num(2024)}, Caso{"Month({t.Momento})", num(3)},
+        Caso{"Day({t.Fecha})", num(5)}, Caso{"IsNull({t.Nulo})", V}, Caso{"IsNull({t.Vacia})", V},
+        Caso{"IsNull({t.Cero})", F}, Caso{"Round(2.345, 2)", num(2.35)},
+        Caso{"Round(-2.5)", num(-3)}, Caso{"Abs(-3)", num(3)},
+        Caso{"ToNumber('1,234.5')", num(1234.5)}, Caso{"CurrentDate", Valor::fecha({2024, 3, 5})},
+        Caso{"Date({t.Momento})", Valor::fecha({2024, 3, 5})},
+        Caso{"Date('05/03/2024')", Valor::fecha({2024, 3, 5})},
+        Caso{"{?UsuarioImpresion}", tx("ANA")}, Caso{"UpperCase({t.Nulo})", N}));
+
+TEST(Evaluacion, ResumenesPasanPorElContexto) {
+    auto ctx = fila();
+    ctx.valorResumen = Valor::numero(99);
+    const Formula f = analizar("Sum({t.Num}, {t.Clave}) + 1");
+    EXPECT_EQ(evaluar(f, ctx), Valor::numero(100));
+    ASSERT_EQ(ctx.pedidos.size(), 1u);
+    EXPECT_EQ(ctx.pedidos[0].funcion, Resumen::Sum);
+    EXPECT_EQ(ctx.pedidos[0].campo, (RefCampo{"t", "Num"}));
+    EXPECT_EQ(ctx.pedidos[0].grupo, (RefCampo{"t", "Clave"}));
+    // The same node the formula lists, so the layout can match its accumulators.
+    EXPECT_EQ(ctx.pedidos[0].nodo, f.resumenes()[0].nodo);
+}
+
+TEST(Evaluacion, SeleccionSoloConservaVerdadero) {
+    const auto ctx = fila();
+    EXPECT_TRUE(seleccionar(analizar(""), ctx));
+    EXPECT_TRUE(seleccionar(analizar("{t.Num} > 0"), ctx));
+    EXPECT_FALSE(seleccionar(analizar("{t.Num} < 0"), ctx));
+    EXPECT_FALSE(seleccionar(analizar("{t.Nulo} = 0"), ctx));
+    EXPECT_THROW(seleccionar(analizar("{t.Num} + 1"), ctx), ErrorFormula);
+}
+
+struct CasoFallo {
+    const char* formula;
+    const char* mensaje;
+};
+
+class EvaluacionFallida : public ::testing::TestWithParam<CasoFallo> {};
+
+TEST_P(EvaluacionFallida, ErrorPosicionado) {
+    const auto ctx = fila();
+    try {
+        evaluar(analizar(GetParam().formula), ctx);
+        FAIL() << "se esperaba un error";
+    } catch (const ErrorFormula& e) {
+        EXPECT_STREQ(e.what(), GetParam().mensaje);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Casos, EvaluacionFallida,
+    ::testing::Values(
+        CasoFallo{"{t.Clave} = 1",
+                  "Error en la fórmula, línea 1, columna 1: no se puede comparar un "
+                  "valor de tipo texto con uno de tipo número"},
+        CasoFallo{"1 = 1 and {t.Num} / {t.Cero} > 1",
+                  "Error en la fórmula, línea 1, columna 11: división entre cero"},
+        CasoFallo{"Date(2024, 2, 30) = {t.Fecha}",
+                  "Error en la fórmula, línea 1, columna 1: la fecha 2024,2,30 no existe"},
+        CasoFallo{"{t.Fecha} + 'x'",
+                  "Error en la fórmula, línea 1, columna 1: no se puede sumar un "
+                  "valor de tipo fecha y uno de tipo texto"},
+        CasoFallo{"{t.NoExiste}",
+                  "Error en la fórmula, línea 1, columna 1: campo desconocido t.noexiste"},
+        CasoFallo{"{@NoHay}",
+                  "Error en la fórmula, línea 1, columna 1: la fórmula {@NoHay} no "
+                  "existe en el reporte"},
+        CasoFallo{"not 5",
+                  "Error en la fórmula, línea 1, columna 5: se esperaba una condición "
+                  "(verdadero o falso) y se encontró un valor de tipo número"},
+        CasoFallo{"5 in {t.Texto}",
+                  "Error en la fórmula, línea 1, columna 1: 'in' espera un texto y "
+                  "recibió un valor de tipo número"},
+        CasoFallo{
+            "Left('abc', -1)",
+            "Error en la fórmula, línea 1, columna 1: Left no admite una longitud negativa"}));
+
+}  // namespace
+}  // namespace paratzorep::renderer::formula
