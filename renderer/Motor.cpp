@@ -13,6 +13,7 @@
 #include "renderer/TiposArchivo.h"
 #include "renderer/formula/Evaluador.h"
 #include "renderer/formula/Formula.h"
+#include "renderer/impresion/Impresora.h"
 #include "renderer/layout/ListaPaginas.h"
 #include "renderer/layout/Medidor.h"
 #include "renderer/writers/ErrorEscritura.h"
@@ -183,7 +184,7 @@ std::string CarpetaTemporal() {
 
 }  // namespace detail
 
-Motor::Motor() {
+Motor::Motor() : imprimir_(ImprimirEnCups) {
     RegistraEscritor(InfoDe(TipoArchivo::Rtf).codigo, CreaEscritorRtf);
     RegistraEscritor(InfoDe(TipoArchivo::Doc).codigo, CreaEscritorDoc);
     RegistraEscritor(InfoDe(TipoArchivo::Xls).codigo, CreaEscritorXls);

@@ -109,6 +109,7 @@ class Motor {
     // Beyond the original properties: what the host supplies.
     void Parametro(const std::string& nombre, const std::string& valor);  // UsuarioImpresion
     void Datos(ProveedorDatos proveedor) { proveedor_ = std::move(proveedor); }
+    // Printing goes to CUPS (impresion/Impresora.h) unless another function is set.
     void Imprimir(FuncionImprimir f) { imprimir_ = std::move(f); }
     void RegistraEscritor(int codigo, FabricaEscritor fabrica);
     void CarpetaVistaPrevia(const std::string& carpeta) { carpetaVista_ = carpeta; }

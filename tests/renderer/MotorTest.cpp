@@ -174,6 +174,33 @@ TEST_F(MotorTest, ImpresoraRecibeElPdfConCopias) {
     EXPECT_TRUE(eraPdf);
 }
 
+TEST_F(MotorTest, SinServidorDeImpresionDiceDondeQuedoElReporte) {
+    // The default printing goes to CUPS; with no server there, a clear error and the
+    // PDF kept.
+    setenv("CUPS_SERVER", "127.0.0.1:1", 1);
+    Motor motor;
+    motor.Datos([this](const ConsultaReporte&) {
+        return DatosAbiertos{std::make_unique<CursorPrueba>(filas_), false};
+    });
+    motor.ReportFileName(rpt_);
+    motor.Destination(1);
+    motor.PrinterName("Oficina");
+    try {
+        motor.Action(1);
+        FAIL() << "se esperaba un error de impresión";
+    } catch (const std::runtime_error& e) {
+        std::string m = e.what();
+        EXPECT_NE(m.find(".pdf"), std::string::npos) << m;
+        auto inicio = m.find("/tmp/");
+        if (inicio != std::string::npos) {
+            std::string ruta = m.substr(inicio, m.find(".pdf", inicio) + 4 - inicio);
+            EXPECT_TRUE(fs::exists(ruta)) << ruta;
+            fs::remove(ruta);
+        }
+    }
+    unsetenv("CUPS_SERVER");
+}
+
 TEST_F(MotorTest, SinFilasImprimeElTextoDeSinDatos) {
     filas_.clear();
     motor_.ReportFileName(rpt_);
