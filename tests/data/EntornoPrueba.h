@@ -1,42 +1,31 @@
-// Test environment of the data layer: the run's private server (TZOREP_TEST_HOME; or
-// TZ_DATA_SERVIDOR="host:port:user:password" to point at another one) and one scratch database
-// per test.
+// Data-layer fixture: our BaseDD (with a record of what went through it) pointed at the test
+// run's private server, with a scratch database of its own as the company database.
 #pragma once
 
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "BaseEspia.h"
-#include "data/BaseDDMaria.h"
+#include "support/Soporte.h"
 
 namespace paratzorep::data::prueba {
 
-struct Servidor {
-    std::string host;
-    int puerto = 0;
-    std::string usuario;
-    std::string password;
-};
-
-// The server of the run; skips the test when none is reachable.
-const Servidor* ServidorDePrueba();
-
-// A BaseDD pointed at the test server, company database = a fresh database of its own.
 class ConBase : public ::testing::Test {
   protected:
     void SetUp() override;
-    void TearDown() override;
 
-    // Opens a connection on the test database (fails the test otherwise).
+    // Opens a connection on the scratch database (fails the test otherwise).
     host::Conexion Abre();
-    // Runs statements on the test database.
+    // Runs one statement on the scratch database.
     void Ejecuta(const std::string& sql);
 
+    std::optional<pruebas::BaseDeDatosDePrueba> bd;
     std::shared_ptr<BaseEspia> base;
-    std::string nombreBase;  // the scratch database
-    const Servidor* servidor = nullptr;
+    std::string nombreBase;
+    const DatosServidor* servidor = nullptr;
 };
 
 }  // namespace paratzorep::data::prueba
