@@ -1,5 +1,7 @@
 #include "reports/Formulario.h"
 
+#include <cctype>
+
 namespace paratzorep::reports {
 
 std::string Control::NombreCompleto() const {
@@ -61,6 +63,106 @@ void Formulario::Descarga() {
     Unload();
     descargada_ = true;
     cargada_ = false;
+}
+
+namespace detail {
+
+std::pair<std::string, std::int16_t> SeparaNombre(const std::string& control) {
+    auto abre = control.find('(');
+    if (abre == std::string::npos) return {control, -1};
+    if (control.back() != ')' || abre == 0 || abre + 2 > control.size() - 1) {
+        throw ErrorFormulario("Nombre de control mal formado: " + control);
+    }
+    std::string numero = control.substr(abre + 1, control.size() - abre - 2);
+    if (numero.empty() || numero.size() > 4) {
+        throw ErrorFormulario("Índice de control mal formado: " + control);
+    }
+    for (char c : numero) {
+        if (!std::isdigit(static_cast<unsigned char>(c))) {
+            throw ErrorFormulario("Índice de control mal formado: " + control);
+        }
+    }
+    return {control.substr(0, abre), static_cast<std::int16_t>(std::stoi(numero))};
+}
+
+bool Prefijo(const std::string& nombre, const char* p) {
+    return nombre.rfind(p, 0) == 0;
+}
+
+std::string Minusculas(std::string s) {
+    for (char& c : s) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return s;
+}
+
+// Position of `valor` among `items`: exact first, then without regard to case; -1 if none.
+int Busca(const std::vector<std::string>& items, const std::string& valor) {
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        if (items[i] == valor) return static_cast<int>(i);
+    }
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        if (Minusculas(items[i]) == Minusculas(valor)) return static_cast<int>(i);
+    }
+    return -1;
+}
+
+void Dispara(const std::function<void(Control&)>& evento, Control& c) {
+    if (evento) evento(c);
+}
+
+}  // namespace detail
+
+void Formulario::Fija(const std::string& control, const std::string& valor) {
+    auto [nombre, indice] = detail::SeparaNombre(control);
+    Control& c = Ctl(nombre, indice);
+    const std::string completo = c.NombreCompleto();
+    if (!c.Enabled) throw ErrorFormulario("El control " + completo + " está deshabilitado");
+    if (detail::Prefijo(nombre, "txt") || detail::Prefijo(nombre, "mke")) {
+        c.Text = valor;
+        detail::Dispara(c.Change, c);
+    } else if (detail::Prefijo(nombre, "chk")) {
+        if (valor != "0" && valor != "1") {
+            throw ErrorFormulario("La casilla " + completo + " admite 0 o 1, no '" + valor + "'");
+        }
+        c.Value = valor == "1" ? 1 : 0;
+        detail::Dispara(c.Click, c);
+    } else if (detail::Prefijo(nombre, "opt")) {
+        if (valor != "1") {
+            throw ErrorFormulario("La opción " + completo + " solo admite 1, no '" + valor + "'");
+        }
+        for (const auto& otro : controles_) {
+            if (otro->Nombre == nombre) otro->Value = 0;
+        }
+        c.Value = 1;
+        detail::Dispara(c.Click, c);
+    } else if (detail::Prefijo(nombre, "cmb") || detail::Prefijo(nombre, "dcm")) {
+        int pos = -1;
+        if (detail::Prefijo(nombre, "cmb") && valor.size() > 1 && valor[0] == '#') {
+            const std::string n = valor.substr(1);
+            bool numero = n.size() <= 5;
+            for (char ch : n) numero = numero && std::isdigit(static_cast<unsigned char>(ch));
+            pos = numero ? std::stoi(n) : -1;
+            if (pos < 0 || pos >= static_cast<int>(c.Items.size())) {
+                throw ErrorFormulario("La lista " + completo + " no tiene el elemento " + valor);
+            }
+        } else {
+            if (detail::Prefijo(nombre, "dcm")) pos = detail::Busca(c.ItemData, valor);
+            if (pos < 0) pos = detail::Busca(c.Items, valor);
+            if (pos < 0) {
+                throw ErrorFormulario("La lista " + completo + " no tiene '" + valor + "'");
+            }
+        }
+        c.ListIndex = static_cast<std::int16_t>(pos);
+        c.Text = pos < static_cast<int>(c.Items.size()) ? c.Items[pos] : valor;
+        if (detail::Prefijo(nombre, "dcm")) {
+            c.BoundText = pos < static_cast<int>(c.ItemData.size()) ? c.ItemData[pos] : c.Text;
+            detail::Dispara(c.Change, c);
+        }
+        detail::Dispara(c.Click, c);
+    } else if (detail::Prefijo(nombre, "cmd")) {
+        detail::Dispara(c.Click, c);
+    } else {
+        throw ErrorFormulario("El control " + completo + " no se puede fijar");
+    }
 }
 
 FormularioPareado::FormularioPareado(std::string nombre, std::string caption)

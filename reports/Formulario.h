@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <stdexcept>
@@ -24,6 +25,15 @@ struct Control {
     bool Enabled = true;
     bool Visible = true;
     std::string Tag;
+    // Lists (cmbDato, dcmDato): the shown items, their bound values (data combos), the chosen
+    // position (-1 none) and the chosen bound value.
+    std::vector<std::string> Items;
+    std::vector<std::string> ItemData;
+    std::int16_t ListIndex = -1;
+    std::string BoundText;
+    // Events the form wires: a change of text or value, a click or choice.
+    std::function<void(Control&)> Change;
+    std::function<void(Control&)> Click;
 
     // "mkeFecha(0)" or "cmdImprimir".
     std::string NombreCompleto() const;
@@ -51,6 +61,12 @@ class Formulario : public host::Ventana {
     Control& Ctl(const std::string& nombre, std::int16_t indice = -1);
     const Control& Ctl(const std::string& nombre, std::int16_t indice = -1) const;
     bool TieneControl(const std::string& nombre, std::int16_t indice = -1) const;
+    // Sets a control as a user would and raises its event. `control` is "nombre" or
+    // "nombre(i)". Text and date boxes (txt, mke) take text; check boxes (chk) 0 or 1; options
+    // (opt) 1, clearing the rest of their array; combos (cmb) an item's text or "#index"; data
+    // combos (dcm) a bound value or an item's text; buttons (cmd) are clicked. Throws
+    // ErrorFormulario (Spanish) for an unknown control or a value it cannot take.
+    void Fija(const std::string& control, const std::string& valor);
     // Every control in the order added.
     std::vector<const Control*> Controles() const;
 

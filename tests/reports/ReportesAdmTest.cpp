@@ -255,6 +255,68 @@ TEST(FormularioTest, ControlesPorNombreEIndice) {
     EXPECT_THROW(CreaForma("RepAdmNoExiste"), ErrorFormulario);
 }
 
+TEST(FormularioTest, FijaComoUnUsuarioYDisparaEventos) {
+    FormaBasica f("RepAdmPrueba", "Prueba");
+    std::vector<std::string> eventos;
+    auto anota = [&eventos](Control& c) { eventos.push_back(c.NombreCompleto()); };
+    f.Agrega("mkeFecha", 0).Change = anota;
+    f.Agrega("chkCancelaciones").Click = anota;
+    f.Ctl("optDispos", 2).Click = anota;
+    Control& cmb = f.Agrega("cmbDato", 0);
+    cmb.Items = {"Fecha", "Cantidad", "Concepto"};
+    cmb.Click = anota;
+    Control& dcm = f.Agrega("dcmDato", 0);
+    dcm.Items = {"MN", "USD"};
+    dcm.ItemData = {"1", "2"};
+    dcm.Change = anota;
+
+    f.Fija("mkeFecha(0)", "05/03/2024");
+    f.Fija("chkCancelaciones", "1");
+    f.Fija("optDispos(2)", "1");
+    f.Fija("cmbDato(0)", "#2");
+    f.Fija("dcmDato(0)", "usd");
+    EXPECT_EQ(f.Ctl("mkeFecha", 0).Text, "05/03/2024");
+    EXPECT_EQ(f.Ctl("chkCancelaciones").Value, 1);
+    EXPECT_EQ(f.Ctl("optDispos", 0).Value, 0);  // the rest of the group is cleared
+    EXPECT_EQ(f.Ctl("optDispos", 2).Value, 1);
+    EXPECT_EQ(cmb.ListIndex, 2);
+    EXPECT_EQ(cmb.Text, "Concepto");
+    EXPECT_EQ(dcm.BoundText, "2");
+    EXPECT_EQ(dcm.Text, "USD");
+    f.Fija("dcmDato(0)", "1");  // a bound value
+    EXPECT_EQ(dcm.Text, "MN");
+    f.Fija("cmbDato(0)", "cantidad");
+    EXPECT_EQ(cmb.ListIndex, 1);
+    EXPECT_EQ(eventos,
+              (std::vector<std::string>{"mkeFecha(0)", "chkCancelaciones", "optDispos(2)",
+                                        "cmbDato(0)", "dcmDato(0)", "dcmDato(0)", "cmbDato(0)"}));
+}
+
+TEST(FormularioTest, FijaRechazaValoresYNombresMalos) {
+    FormaBasica f("RepAdmPrueba", "Prueba");
+    f.Agrega("chkTodos");
+    f.Agrega("cmbDato", 0).Items = {"A"};
+    f.Agrega("lblDato", 0);
+    f.Agrega("txtDato", 1).Enabled = false;
+    for (auto [control, valor] :
+         std::vector<std::pair<const char*, const char*>>{{"chkTodos", "2"},
+                                                          {"optDispos(1)", "0"},
+                                                          {"cmbDato(0)", "#1"},
+                                                          {"cmbDato(0)", "#x"},
+                                                          {"cmbDato(0)", "B"},
+                                                          {"lblDato(0)", "x"},
+                                                          {"txtDato(1)", "x"},
+                                                          {"txtDato(9)", "x"},
+                                                          {"txtDato(", "x"},
+                                                          {"txtDato(1", "x"},
+                                                          {"txtDato(-1)", "x"},
+                                                          {"noExiste", "x"}}) {
+        EXPECT_THROW(f.Fija(control, valor), ErrorFormulario) << control << "=" << valor;
+    }
+    EXPECT_EQ(f.Ctl("chkTodos").Value, 0);
+    EXPECT_EQ(f.Ctl("optDispos", 0).Value, 1);
+}
+
 TEST(FormularioTest, CargaYDescargaUnaVez) {
     struct Contadora : Formulario {
         Contadora() : Formulario("X", "x") {}
