@@ -79,8 +79,9 @@ std::int64_t Valor::Entero() const {
     std::int64_t n = 0;
     auto [fin, ec] = std::from_chars(s.data(), s.data() + s.size(), n);
     if (ec == std::errc() && fin == s.data() + s.size()) return n;
-    double d = Doble();  // "12.0", "1e3": round like the system's numeric conversion
-    if (d >= -9.2e18 && d <= 9.2e18) return static_cast<std::int64_t>(std::llround(d));
+    // "12.0", "1e3": rounded as the system's numeric conversion does, halves to even.
+    double d = Doble();
+    if (d >= -9.2e18 && d <= 9.2e18) return static_cast<std::int64_t>(std::llrint(d));
     return 0;
 }
 

@@ -42,7 +42,7 @@ class Valor {
     TipoCampo Tipo() const { return tipo_; }
     // The text as stored; "" for null.
     const std::string& Texto() const { return texto_; }
-    // Numeric reads: 0 for null or text that is not a number.
+    // Numeric reads: 0 for null or text that is not a number; Entero rounds halves to even.
     double Doble() const;
     std::int64_t Entero() const;
     // "yyyy-mm-dd"; "" for null, for a zero date ("0000-00-00...") and for a non-date.

@@ -29,7 +29,8 @@ INSTANTIATE_TEST_SUITE_P(
     Valores, LecturasDeValor,
     ::testing::Values(
         CasoLectura{Valor(), "", 0, 0, ""}, CasoLectura{Valor(""), "", 0, 0, ""},
-        CasoLectura{Valor("12.50", TipoCampo::Decimal), "12.50", 12.5, 13, ""},
+        CasoLectura{Valor("12.50", TipoCampo::Decimal), "12.50", 12.5, 12, ""},
+        CasoLectura{Valor("13.5"), "13.5", 13.5, 14, ""},
         CasoLectura{Valor("-3", TipoCampo::Entero), "-3", -3, -3, ""},
         CasoLectura{Valor(" 7 "), " 7 ", 7, 7, ""}, CasoLectura{Valor("abc"), "abc", 0, 0, ""},
         CasoLectura{Valor("12abc"), "12abc", 0, 0, ""},
