@@ -59,6 +59,7 @@ int principal(int argc, char** argv) {
         ctx.home = home;
     }
     ctx.home = std::filesystem::absolute(ctx.home).lexically_normal();
+    if (ctx.home.filename().empty()) ctx.home = ctx.home.parent_path();  // "dir/" -> "dir"
 
     const std::string orden = args[i];
     std::vector<std::string> resto(args.begin() + static_cast<std::ptrdiff_t>(i) + 1, args.end());
