@@ -192,6 +192,13 @@ struct Maquetador::Impl {
             slotGrupo.push_back(
                 Slot({g.esFormula ? Referencia::Tipo::Formula : Referencia::Tipo::Campo, g.valor}));
         }
+        // The page header and footer repeat on every page: they must leave room for the body.
+        double fijos =
+            (encPag.Vacia() ? 0 : MedidaFija(encPag)) + (piePag.Vacia() ? 0 : piePag.sec->alto);
+        if (fijos > p.pagina.AltoUtil() - 36)
+            throw ErrorPlantilla(p.archivo, 0, 0,
+                                 "el encabezado y el pie de página no dejan espacio para el cuerpo "
+                                 "del reporte");
     }
 
     int Slot(const Referencia& r) {

@@ -236,6 +236,9 @@ class Lector {
         if (!a) return omision;
         double v = Numero(n, atributo, a.value());
         if (v < 0) Falla(n, "el atributo '" + std::string(atributo) + "' no puede ser negativo");
+        // 200 inches: the largest page a PDF can hold.
+        if (v * escala_ > 14400)
+            Falla(n, "el atributo '" + std::string(atributo) + "' es mayor que cualquier página");
         return v * escala_;
     }
 

@@ -259,6 +259,35 @@ TEST(Maquetador, SeccionVaciaSuprimida) {
     EXPECT_NEAR(b->y, 40, 0.01);  // right below "a" at 30
 }
 
+TEST(Maquetador, EncabezadoYPieQueLlenanLaPaginaSonUnError) {
+    std::string xml = R"(<reporte version="1">
+  <pagina tamano="personal" ancho="300" alto="200" unidades="pt" margenes="10"/>
+  <encabezadoPagina alto="100"><texto>x</texto></encabezadoPagina>
+  <piePagina alto="60"><texto>y</texto></piePagina>
+</reporte>)";
+    Plantilla p = LeePlantillaTexto(xml, "alto.rpt");
+    Medidor medidor;
+    EXPECT_THROW(Maquetador(p, medidor, 0), ErrorPlantilla);
+}
+
+TEST(Maquetador, BandaMasAltaQueLaPaginaSeCortaSobreElPie) {
+    const char* detalle =
+        R"(<detalle><campo ref="t.nombre" x="0" y="0" ancho="60" crece="si"/></detalle>)";
+    std::string largo;
+    for (int i = 0; i < 60; ++i) largo += "palabra ";
+    FuentePrueba f(kColumnas, {{Valor::texto(largo), Valor::numero(1), Valor()},
+                               {Valor::texto("siguiente"), Valor::numero(2), Valor()}});
+    auto r = Maqueta(Plantilla10(detalle), f);
+    ASSERT_EQ(r.paginas.size(), 2u);
+    for (const auto& t : r.paginas[0].textos) {
+        if (t.tipoBanda == TipoBanda::Detalle) {
+            EXPECT_LE(t.y + t.alto, 170.001);
+            EXPECT_EQ(t.renglones.size(), 13u);  // the 13 lines that fit in 140 pt
+        }
+    }
+    EXPECT_TRUE(Contiene(r.paginas[1], "siguiente"));
+}
+
 TEST(Maquetador, NumerosAlineadosALaDerechaYConTipo) {
     FuentePrueba f(kColumnas, Filas(12));
     auto r = Maqueta(Plantilla10(kDetalle10), f);

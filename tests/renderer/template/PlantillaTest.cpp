@@ -139,6 +139,9 @@ INSTANTIATE_TEST_SUITE_P(
         CasoError{"GrupoSinCampo", kIni + "<grupo/></reporte>", 2, 1, "un grupo lleva 'campo'"},
         CasoError{"Especial", kIni + "<piePagina><especial tipo=\"hoja\"/></piePagina></reporte>",
                   2, 12, "campo especial desconocido 'hoja'"},
+        CasoError{"MedidaEnorme",
+                  kIni + "<detalle><campo ref=\"a.b\" x=\"99999\"/></detalle></reporte>", 2, 10,
+                  "mayor que cualquier página"},
         CasoError{"UnionSinTabla", kIni + "<union tabla=\"b\" de=\"a.x\" a=\"b.x\"/></reporte>", 0,
                   0, "no está declarada"}),
     [](const auto& info) { return std::string(info.param.nombre); });
