@@ -221,6 +221,19 @@ TEST_F(BaseDDMariaTest, AbrirBdDFallidoDevuelveFalso) {
     EXPECT_THROW(base->Executar(otra, "SELECT 1"), host::ErrorDatos);
 }
 
+TEST_F(BaseDDMariaTest, BinariosIdaYVuelta) {
+    Ejecuta("CREATE TABLE bin (Id INT PRIMARY KEY, Dato LONGBLOB)");
+    const std::string bytes("a\0b'\xff\\", 6);
+    base->AgregaRegistro(cn, "bin", {"Id", "Dato"},
+                         {Valor(1), Valor(bytes, host::TipoCampo::Binario)});
+    auto rs = Lee("bin");
+    EXPECT_EQ(rs["Dato"].Tipo(), host::TipoCampo::Binario);
+    EXPECT_EQ(rs["Dato"].Texto(), bytes);
+    rs.Asigna("Dato", Valor(bytes + bytes, host::TipoCampo::Binario));
+    base->RstUpdate(rs);
+    EXPECT_EQ(Lee("bin")["Dato"].Texto(), bytes + bytes);
+}
+
 TEST_F(BaseDDMariaTest, ModoPermisivoEnCualquierServidor) {
     // Empty text into a number and a zero date go in as the system expects, even where the
     // server's default mode is strict.
