@@ -189,6 +189,21 @@ std::string NombreHojaValido(const std::string& nombre) {
     return r;
 }
 
+std::string NombreContinuacion(const std::string& nombre, std::size_t numero) {
+    const std::string sufijo = " (" + std::to_string(numero) + ")";
+    std::string base = NombreHojaValido(nombre);
+    // Cut whole characters (UTF-8 lead bytes) until the suffix fits.
+    std::size_t caracteres = 0;
+    for (unsigned char c : base) caracteres += (c & 0xC0) != 0x80;
+    while (caracteres + sufijo.size() > 31) {
+        std::size_t fin = base.size() - 1;
+        while (fin > 0 && (static_cast<unsigned char>(base[fin]) & 0xC0) == 0x80) --fin;
+        base.resize(fin);
+        --caracteres;
+    }
+    return NombreHojaValido(base + sufijo);
+}
+
 }  // namespace detail
 
 using detail::Bytes;
@@ -223,10 +238,8 @@ std::uint32_t LibroXls::IndiceTexto(const std::string& texto) {
 
 void LibroXls::NuevaHoja() {
     Hoja hoja;
-    hoja.nombre = hojas_.empty()
-                      ? nombreHoja_
-                      : detail::NombreHojaValido(nombreHoja_.substr(0, 24) + " (" +
-                                                 std::to_string(hojas_.size() + 1) + ")");
+    hoja.nombre =
+        hojas_.empty() ? nombreHoja_ : detail::NombreContinuacion(nombreHoja_, hojas_.size() + 1);
     errno = 0;
     hoja.datos.reset(std::tmpfile());
     if (!hoja.datos)

@@ -75,5 +75,9 @@ std::string RegistrosSst(const std::vector<std::u16string>& textos, std::uint32_
 // A sheet name that Excel accepts: no []:*?/\, at most 31 characters, not blank.
 std::string NombreHojaValido(const std::string& nombre);
 
+// The name of the `numero`-th sheet of a table named `nombre`: "Ventas (2)", the name
+// shortened so that the whole stays within 31 characters.
+std::string NombreContinuacion(const std::string& nombre, std::size_t numero);
+
 }  // namespace detail
 }  // namespace paratzorep::renderer

@@ -101,9 +101,8 @@ lxw_format* LibroXlsx::Formato(int estilo, bool fecha) {
 }
 
 void LibroXlsx::NuevaHoja() {
-    std::string nombre = hojas_ == 0 ? nombreHoja_
-                                     : detail::NombreHojaValido(nombreHoja_.substr(0, 24) + " (" +
-                                                                std::to_string(hojas_ + 1) + ")");
+    std::string nombre =
+        hojas_ == 0 ? nombreHoja_ : detail::NombreContinuacion(nombreHoja_, hojas_ + 1);
     hoja_ = workbook_add_worksheet(libro_, nombre.c_str());
     if (hoja_ == nullptr)
         throw ErrorEscritura("No se pudo agregar la hoja al libro de Excel", archivo_.string(),

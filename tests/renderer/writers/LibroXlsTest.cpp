@@ -296,6 +296,14 @@ TEST(NombreHojaValido, CumpleLasReglasDeExcel) {
     for (const auto& c : casos) EXPECT_EQ(detail::NombreHojaValido(c.entrada), c.esperado);
 }
 
+TEST(NombreContinuacion, CabeEn31CaracteresSinCortarLetras) {
+    EXPECT_EQ(detail::NombreContinuacion("Ventas", 2), "Ventas (2)");
+    std::string enies, esperado;
+    for (int i = 0; i < 30; ++i) enies += "ñ";
+    for (int i = 0; i < 26; ++i) esperado += "ñ";
+    EXPECT_EQ(detail::NombreContinuacion(enies, 12), esperado + " (12)");
+}
+
 TEST(LibroXlsErrores, CarpetaInexistenteDaMensajeClaroYNoDejaArchivos) {
     CarpetaTemporal carpeta;
     auto ruta = carpeta / "no-existe" / "reporte.xls";
