@@ -348,7 +348,12 @@ const std::vector<DefLinea> kLineas = {
     {"FERRETERIA",
      "FER",
      {"TORNILLERIA", "CERRAJERIA", "ADHESIVOS"},
-     {"TORNILLO", "TAQUETE", "CANDADO", "CHAPA", "BISAGRA", "PEGAMENTO", "CLAVO", "ARANDELA"},
+     {"TORNILLO|0|1/4\" X 1\"|3/8\" X 2\"|1/2\" X 3\"|PARA MADERA 8 X 1\"",
+      "TAQUETE|0|1/4\"|5/16\"|3/8\"|CAJA 100 PZAS", "CANDADO|1|30 MM|40 MM|50 MM|LATONADO",
+      "CHAPA|1|DE PERILLA|DE SOBREPONER|PARA BAÑO", "BISAGRA|1|3\"|4\"|CAPUCHINA",
+      "PEGAMENTO|2|BLANCO 1 LT|DE CONTACTO 250 ML|EPOXICO 2 TUBOS",
+      "CLAVO|0|2\" 1 KG|3\" 1 KG|PARA CONCRETO",
+      "ARANDELA|0|PLANA 1/4\"|PLANA 3/8\"|DE PRESION 1/2\""},
      {"1/4\"", "3/8\"", "1/2\"", "38 MM", "50 MM", "CAJA 100 PZAS", "EXTRA"},
      0,
      300,
@@ -356,8 +361,11 @@ const std::vector<DefLinea> kLineas = {
     {"ELECTRICO",
      "ELE",
      {"CABLEADO", "ILUMINACION", "CONTACTOS"},
-     {"CABLE THW", "FOCO LED", "APAGADOR", "CONTACTO DUPLEX", "EXTENSION", "CINTA AISLANTE",
-      "CENTRO DE CARGA"},
+     {"CABLE THW|0|CAL. 12 ROLLO 100 M|CAL. 14 ROLLO 100 M|CAL. 10 POR METRO",
+      "FOCO LED|1|9 W LUZ DE DIA|12 W LUZ CALIDA|18 W", "APAGADOR|2|SENCILLO|DE ESCALERA|DOBLE",
+      "CONTACTO DUPLEX|2|POLARIZADO|CON TIERRA|INTEMPERIE", "EXTENSION|0|3 M|5 M|USO RUDO 10 M",
+      "CINTA AISLANTE|0|NEGRA 18 M|ROJA 18 M|VINIL 20 M",
+      "CENTRO DE CARGA|2|2 POLOS|4 POLOS|8 POLOS"},
      {"CAL. 12", "CAL. 14", "9 W", "12 W", "3 M", "5 M", "BLANCO"},
      0,
      900,
@@ -365,7 +373,12 @@ const std::vector<DefLinea> kLineas = {
     {"PLOMERIA",
      "PLO",
      {"TUBERIA", "CONEXIONES", "GRIFERIA"},
-     {"TUBO PVC", "CODO", "TEE", "LLAVE DE PASO", "MEZCLADORA", "MANGUERA", "VALVULA"},
+     {"TUBO PVC|0|1/2\" X 6 M|3/4\" X 6 M|4\" SANITARIO",
+      "CODO|1|PVC 1/2\" 90|COBRE 3/4\" 90|PVC 4\" 45",
+      "TEE|1|PVC 1/2\"|COBRE 3/4\"|GALVANIZADA 1\"", "LLAVE DE PASO|2|1/2\"|3/4\"|ESFERA 1\"",
+      "MEZCLADORA|2|PARA LAVABO|PARA FREGADERO|PARA REGADERA",
+      "MANGUERA|0|JARDIN 15 M|REFORZADA 20 M|COFLEX 40 CM",
+      "VALVULA|1|CHECK 1/2\"|DE FLOTADOR|ANGULAR 1/2\""},
      {"1/2\"", "3/4\"", "1\"", "2\"", "CROMADA", "10 M"},
      0,
      800,
@@ -373,8 +386,11 @@ const std::vector<DefLinea> kLineas = {
     {"PINTURAS",
      "PIN",
      {"VINILICAS", "ESMALTES", "ACCESORIOS"},
-     {"PINTURA VINILICA", "ESMALTE", "SELLADOR", "BROCHA", "RODILLO", "THINNER",
-      "IMPERMEABILIZANTE"},
+     {"PINTURA VINILICA|0|BLANCO 19 LT|BLANCO 4 LT|MARFIL 19 LT",
+      "ESMALTE|1|NEGRO 1 LT|ROJO OXIDO 4 LT|BLANCO 1 LT", "SELLADOR|0|VINILICO 19 LT|5 X 1 4 LT",
+      "BROCHA|2|2\"|3\"|4\"", "RODILLO|2|9\" FELPA|4\" ESPUMA",
+      "THINNER|1|ESTANDAR 1 LT|AMERICANO 4 LT",
+      "IMPERMEABILIZANTE|0|ACRILICO 19 LT 5 AÑOS|FIBRATADO 19 LT"},
      {"1 LT", "4 LT", "19 LT", "2\"", "4\"", "BLANCO", "ROJO OXIDO"},
      0,
      2500,
@@ -382,7 +398,11 @@ const std::vector<DefLinea> kLineas = {
     {"HERRAMIENTAS",
      "HER",
      {"MANUALES", "ELECTRICAS"},
-     {"MARTILLO", "DESARMADOR", "PINZAS", "TALADRO", "ESMERILADORA", "FLEXOMETRO", "SEGUETA"},
+     {"MARTILLO|0|UÑA 16 OZ|BOLA 12 OZ|DE GOMA",
+      "DESARMADOR|0|PLANO 1/4\"|PHILLIPS #2|JUEGO 6 PZAS",
+      "PINZAS|0|DE ELECTRICISTA 8\"|DE PRESION 10\"|DE PUNTA 6\"",
+      "TALADRO|1|1/2\" 600 W|ROTOMARTILLO 3/4\"", "ESMERILADORA|1|ANGULAR 4 1/2\"|DE BANCO 6\"",
+      "FLEXOMETRO|0|3 M|5 M|8 M", "SEGUETA|0|ARCO 12\"|HOJA BIMETALICA"},
      {"16 OZ", "PLANO", "PHILLIPS", "1/2\" 600 W", "4 1/2\"", "5 M", "8\""},
      0,
      3500,
@@ -390,7 +410,9 @@ const std::vector<DefLinea> kLineas = {
     {"JARDINERIA",
      "JAR",
      {"RIEGO", "HERRAMIENTA DE JARDIN"},
-     {"ASPERSOR", "PALA", "RASTRILLO", "TIJERA DE PODAR", "CARRETILLA", "MACETA"},
+     {"ASPERSOR|0|DE IMPACTO|GIRATORIO 3 BRAZOS", "PALA|1|CUADRADA|REDONDA|JARDINERA",
+      "RASTRILLO|1|14 DIENTES|PARA HOJAS", "TIJERA DE PODAR|1|8\"|DE DOS MANOS",
+      "CARRETILLA|1|5 PIES3|6 PIES3 REFORZADA", "MACETA|0|BARRO 20 CM|PLASTICO 30 CM"},
      {"CHICA", "MEDIANA", "GRANDE", "REFORZADA"},
      0,
      2000,
@@ -398,7 +420,9 @@ const std::vector<DefLinea> kLineas = {
     {"LIMPIEZA",
      "LIM",
      {"QUIMICOS", "UTENSILIOS"},
-     {"CLORO", "DETERGENTE", "ESCOBA", "TRAPEADOR", "CUBETA", "DESENGRASANTE"},
+     {"CLORO|0|1 LT|GALON 3.75 LT", "DETERGENTE|0|EN POLVO 1 KG|LIQUIDO 5 LT",
+      "ESCOBA|1|ABANICO|DE MIJO|INDUSTRIAL", "TRAPEADOR|1|DE ALGODON|DE MICROFIBRA",
+      "CUBETA|1|12 LT|19 LT CON EXPRIMIDOR", "DESENGRASANTE|0|1 LT|INDUSTRIAL 20 LT"},
      {"1 LT", "5 LT", "1 KG", "INDUSTRIAL", "CHICA"},
      0,
      900,
@@ -406,7 +430,9 @@ const std::vector<DefLinea> kLineas = {
     {"ABARROTES",
      "ABA",
      {"BEBIDAS", "BASICOS"},
-     {"AGUA PURIFICADA", "REFRESCO", "AZUCAR", "ARROZ", "FRIJOL", "ACEITE", "CAFE"},
+     {"AGUA PURIFICADA|0|600 ML|1.5 LT|GARRAFON 20 LT", "REFRESCO|0|600 ML|2 LT|LATA 355 ML",
+      "AZUCAR|1|ESTANDAR 1 KG|REFINADA 2 KG", "ARROZ|1|1 KG|5 KG", "FRIJOL|1|NEGRO 1 KG|PINTO 1 KG",
+      "ACEITE|1|900 ML|1 LT", "CAFE|1|SOLUBLE 200 G|MOLIDO 400 G"},
      {"600 ML", "2 LT", "1 KG", "5 KG", "900 ML"},
      0,
      800,
@@ -414,7 +440,8 @@ const std::vector<DefLinea> kLineas = {
     {"METALES",
      "MET",
      {"NO FERROSOS", "FERROSOS"},
-     {"COBRE", "BRONCE", "ALUMINIO", "FIERRO", "CHATARRA MIXTA"},
+     {"COBRE|0|DE PRIMERA", "BRONCE|0|AMARILLO", "ALUMINIO|0|PERFIL", "FIERRO|1|DE PRIMERA",
+      "CHATARRA MIXTA|1|SIN CLASIFICAR"},
      {"DE PRIMERA", "DE SEGUNDA"},
      1,
      900,
@@ -422,8 +449,8 @@ const std::vector<DefLinea> kLineas = {
     {"CARNES",
      "CAR",
      {"RES", "CERDO"},
-     {"CANAL DE RES", "BISTEC DE RES", "ARRACHERA", "COSTILLA", "CARNE MOLIDA", "CHAMBARETE",
-      "PIERNA DE CERDO"},
+     {"CANAL DE RES|0|POR KG", "BISTEC DE RES|0|POR KG", "ARRACHERA|0|POR KG", "COSTILLA|0|POR KG",
+      "CARNE MOLIDA|0|POR KG", "CHAMBARETE|0|POR KG", "PIERNA DE CERDO|1|POR KG"},
      {"POR KG"},
      2,
      6000,
@@ -897,10 +924,31 @@ void Simulacion::productos() {
             p.linea = static_cast<int>(li) + 1;
             p.sublinea = subBase + static_cast<int>(az_.entre(
                                        0, static_cast<long long>(L.sublineas.size()) - 1));
-            const std::string art =
+            // Articles of the piece lines read "NAME|sub-line|size|size...".
+            const std::string def =
                 L.clase == 0 ? elige(az_, L.articulos) : L.articulos[static_cast<size_t>(k)];
-            std::string desc = art + " " + elige(az_, L.medidas);
-            if (int& u = usados[desc]; u++ > 0) desc += " MOD. " + std::to_string(u);
+            std::vector<std::string> trozos;
+            for (size_t a = 0, b; a <= def.size(); a = b + 1) {
+                b = def.find('|', a);
+                if (b == std::string::npos) b = def.size();
+                trozos.push_back(def.substr(a, b - a));
+            }
+            const std::string art = trozos[0];
+            if (trozos.size() > 2) {
+                p.sublinea = subBase + std::stoi(trozos[1]);
+                trozos.erase(trozos.begin(), trozos.begin() + 2);
+            } else {
+                trozos.assign(L.medidas.begin(), L.medidas.end());
+            }
+            std::string desc = art + " " + elige(az_, trozos);
+            // A repeated description becomes a variant of the article.
+            if (int& u = usados[desc]; u++ > 0) {
+                static const std::array<const char*, 5> kVariantes = {
+                    "REFORZADO", "ECONOMICO", "PROFESIONAL", "PREMIUM", "INDUSTRIAL"};
+                desc += u <= static_cast<int>(kVariantes.size())
+                            ? std::string(" ") + kVariantes[static_cast<size_t>(u - 1)]
+                            : " MOD. " + std::to_string(u);
+            }
             p.descrip = desc;
             p.clave = std::string(L.prefijo) + "-" + conCeros(k + 1, 4);
             p.unidad = (L.clase == 1 || L.clase == 2) ? "KG" : (L.clase == 4 ? "SERV" : "PZA");
