@@ -1,0 +1,25 @@
+// Internal: the SELECT that a query description becomes, shared by the sources.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "renderer/data/Consulta.h"
+#include "renderer/formula/Traductor.h"
+
+namespace paratzorep::renderer::data::detail {
+
+// A table name as the dialect writes it: "db.table" -> `db`.`table`.
+std::string tablaSql(const std::string& origen, formula::Dialecto d);
+
+// "SELECT <columns> FROM <tables and joins>" for the given columns.
+std::string seleccionarDesde(const DescripcionConsulta& d,
+                             const std::vector<formula::RefCampo>& columnas,
+                             formula::Dialecto dialecto);
+
+// Adds c to v unless it is there already (names without regard to letter case).
+int agregarColumna(std::vector<formula::RefCampo>& v, const formula::RefCampo& c);
+
+bool mismoNombre(std::string_view a, std::string_view b);
+
+}  // namespace paratzorep::renderer::data::detail

@@ -1,0 +1,378 @@
+// Rows from MariaDB through unixODBC, read in keyset-paged blocks.
+#include <sql.h>
+#include <sqlext.h>
+
+#include <cstring>
+
+#include "renderer/data/ArmadoSql.h"
+#include "renderer/data/Consulta.h"
+#include "renderer/formula/Traductor.h"
+
+namespace paratzorep::renderer::data {
+
+namespace detail {
+
+using formula::Dialecto;
+using formula::RefCampo;
+
+// An ODBC handle, freed on destruction.
+class Manejador {
+  public:
+    Manejador() = default;
+    Manejador(SQLSMALLINT tipo, SQLHANDLE padre, const char* accion) : tipo_(tipo) {
+        if (!SQL_SUCCEEDED(SQLAllocHandle(tipo, padre, &h_)))
+            throw ErrorDatos(accion, "no se pudo reservar un manejador ODBC");
+    }
+    Manejador(const Manejador&) = delete;
+    Manejador& operator=(const Manejador&) = delete;
+    Manejador(Manejador&& o) noexcept : tipo_(o.tipo_), h_(o.h_) { o.h_ = SQL_NULL_HANDLE; }
+    Manejador& operator=(Manejador&& o) noexcept {
+        std::swap(tipo_, o.tipo_);
+        std::swap(h_, o.h_);
+        return *this;
+    }
+    ~Manejador() {
+        if (h_ != SQL_NULL_HANDLE) SQLFreeHandle(tipo_, h_);
+    }
+    SQLHANDLE get() const { return h_; }
+    SQLSMALLINT tipo() const { return tipo_; }
+
+  private:
+    SQLSMALLINT tipo_ = 0;
+    SQLHANDLE h_ = SQL_NULL_HANDLE;
+};
+
+[[noreturn]] void fallarOdbc(const Manejador& m, const std::string& accion,
+                             const std::string& sql = {}) {
+    SQLCHAR estado[8] = {0};
+    SQLINTEGER nativo = 0;
+    SQLCHAR texto[1024] = {0};
+    SQLSMALLINT largo = 0;
+    std::string detalle;
+    std::string primerEstado;
+    long primerNativo = 0;
+    for (SQLSMALLINT i = 1; i <= 5; ++i) {
+        if (!SQL_SUCCEEDED(
+                SQLGetDiagRec(m.tipo(), m.get(), i, estado, &nativo, texto, sizeof texto, &largo)))
+            break;
+        if (primerEstado.empty()) {
+            primerEstado = reinterpret_cast<char*>(estado);
+            primerNativo = nativo;
+        }
+        if (!detalle.empty()) detalle += "; ";
+        detalle += reinterpret_cast<char*>(texto);
+    }
+    if (detalle.empty()) detalle = "el controlador ODBC no dio detalles";
+    throw ErrorDatos(accion, detalle, sql, primerEstado, primerNativo);
+}
+
+enum class Clase { Texto, Numero, Fecha, FechaHora, Hora };
+
+Clase claseOdbc(SQLSMALLINT t) {
+    switch (t) {
+        case SQL_TYPE_DATE:
+        case SQL_DATE:
+            return Clase::Fecha;
+        case SQL_TYPE_TIMESTAMP:
+        case SQL_TIMESTAMP:
+            return Clase::FechaHora;
+        case SQL_TYPE_TIME:
+        case SQL_TIME:
+            return Clase::Hora;
+        case SQL_DECIMAL:
+        case SQL_NUMERIC:
+        case SQL_SMALLINT:
+        case SQL_INTEGER:
+        case SQL_REAL:
+        case SQL_FLOAT:
+        case SQL_DOUBLE:
+        case SQL_BIT:
+        case SQL_TINYINT:
+        case SQL_BIGINT:
+            return Clase::Numero;
+        default:
+            return Clase::Texto;
+    }
+}
+
+Valor convertir(Clase c, const std::string& s) {
+    switch (c) {
+        case Clase::Texto:
+            return Valor::texto(s);
+        case Clase::Numero:
+            return Valor::numero(std::strtod(s.c_str(), nullptr));
+        case Clase::Fecha: {
+            auto f = Fecha::leer(s);
+            return f ? Valor::fecha(*f) : Valor::texto(s);
+        }
+        case Clase::FechaHora: {
+            auto f = FechaHora::leer(s);
+            return f ? Valor::fechaHora(*f) : Valor::texto(s);
+        }
+        case Clase::Hora: {
+            auto h = Hora::leer(s);
+            return h ? Valor::hora(*h) : Valor::texto(s);
+        }
+    }
+    return Valor::texto(s);
+}
+
+// One ordering key of the paged query: its column, direction and kind.
+struct Clave {
+    RefCampo campo;
+    bool desc = false;
+    int columna = 0;
+};
+
+class FilasOdbc : public Filas {
+  public:
+    FilasOdbc(const std::string& connect, const DescripcionConsulta& d, const Opciones& o)
+        : Filas(d, o), desc_(d) {
+        const auto t = formula::traducirSeleccion(seleccion_, Dialecto::MariaDB);
+        donde_ = t.sql;
+        resto_ = t.resto;
+        conectar(connect);
+        armarClaves();
+        base_ = seleccionarDesde(desc_, columnasSql_, Dialecto::MariaDB);
+    }
+
+    bool siguiente() override {
+        for (;;) {
+            if (!stmt_) {
+                if (terminado_) return false;
+                abrirBloque();
+            }
+            const SQLRETURN r = SQLFetch(stmt_->get());
+            if (r == SQL_NO_DATA) {
+                stmt_.reset();
+                // A short block is the last one; so is an unpaged query.
+                if (!paginado_ || enBloque_ < opciones_.filasPorBloque) terminado_ = true;
+                enBloque_ = 0;
+                continue;
+            }
+            if (!SQL_SUCCEEDED(r)) fallarOdbc(*stmt_, "leer los datos del reporte", sql_.back());
+            leerFila();
+            ++enBloque_;
+            ++leidas_;
+            if (pasaResto()) {
+                ++entregadas_;
+                return true;
+            }
+        }
+    }
+
+  private:
+    void conectar(std::string connect) {
+        env_ = Manejador(SQL_HANDLE_ENV, SQL_NULL_HANDLE, "preparar ODBC");
+        SQLSetEnvAttr(env_.get(), SQL_ATTR_ODBC_VERSION, reinterpret_cast<void*>(SQL_OV_ODBC3), 0);
+        dbc_ = Manejador(SQL_HANDLE_DBC, env_.get(), "preparar la conexión ODBC");
+        // Texts in UTF-8, as the formulas and the writers expect them.
+        std::string bajo = connect;
+        for (auto& c : bajo) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+        if (bajo.find("charset=") == std::string::npos) {
+            if (!connect.empty() && connect.back() != ';') connect += ';';
+            connect += "CHARSET=utf8mb4";
+        }
+        SQLCHAR salida[1024];
+        SQLSMALLINT largo = 0;
+        const SQLRETURN r =
+            SQLDriverConnect(dbc_.get(), nullptr, reinterpret_cast<SQLCHAR*>(connect.data()),
+                             static_cast<SQLSMALLINT>(connect.size()), salida, sizeof salida,
+                             &largo, SQL_DRIVER_NOPROMPT);
+        if (!SQL_SUCCEEDED(r)) fallarOdbc(dbc_, "conectar con la base de datos del reporte");
+        conectado_ = true;
+    }
+
+  public:
+    ~FilasOdbc() override {
+        stmt_.reset();
+        if (conectado_) SQLDisconnect(dbc_.get());
+    }
+
+  private:
+    // Runs a statement and returns its rows as text (for the key look-up).
+    std::vector<std::vector<std::string>> consultar(const std::string& sql) {
+        Manejador st(SQL_HANDLE_STMT, dbc_.get(), "consultar la base de datos");
+        registrarSql(sql);
+        std::string s = sql;
+        if (!SQL_SUCCEEDED(SQLExecDirect(st.get(), reinterpret_cast<SQLCHAR*>(s.data()),
+                                         static_cast<SQLINTEGER>(s.size()))))
+            fallarOdbc(st, "consultar la base de datos", sql);
+        SQLSMALLINT n = 0;
+        SQLNumResultCols(st.get(), &n);
+        std::vector<std::vector<std::string>> r;
+        while (SQL_SUCCEEDED(SQLFetch(st.get()))) {
+            std::vector<std::string> f;
+            for (SQLSMALLINT c = 1; c <= n; ++c) {
+                bool nulo = false;
+                f.push_back(leerTexto(st, c, nulo, sql));
+            }
+            r.push_back(std::move(f));
+        }
+        return r;
+    }
+
+    static std::string leerTexto(const Manejador& st, SQLUSMALLINT col, bool& nulo,
+                                 const std::string& sql) {
+        std::string r;
+        char buf[512];
+        for (;;) {
+            SQLLEN ind = 0;
+            const SQLRETURN x = SQLGetData(st.get(), col, SQL_C_CHAR, buf, sizeof buf, &ind);
+            if (x == SQL_NO_DATA) break;
+            if (!SQL_SUCCEEDED(x)) fallarOdbc(st, "leer los datos del reporte", sql);
+            if (ind == SQL_NULL_DATA) {
+                nulo = true;
+                return {};
+            }
+            if (x == SQL_SUCCESS_WITH_INFO && (ind == SQL_NO_TOTAL || ind >= SQLLEN(sizeof buf))) {
+                r.append(buf, sizeof buf - 1);  // a longer value: more to come
+                continue;
+            }
+            r.append(buf, static_cast<std::size_t>(ind));
+            break;
+        }
+        nulo = false;
+        return r;
+    }
+
+    // The unique key of a table: its primary key, else its first unique index.
+    std::vector<std::string> claveUnica(const TablaConsulta& t) {
+        std::string base = "DATABASE()";
+        std::string tabla = t.origen;
+        const std::size_t punto = t.origen.find('.');
+        if (punto != std::string::npos) {
+            base = formula::textoSql(t.origen.substr(0, punto), Dialecto::MariaDB);
+            tabla = t.origen.substr(punto + 1);
+        }
+        const auto filas = consultar(
+            "SELECT INDEX_NAME, COLUMN_NAME FROM information_schema.STATISTICS WHERE "
+            "TABLE_SCHEMA = " +
+            base + " AND TABLE_NAME = " + formula::textoSql(tabla, Dialecto::MariaDB) +
+            " AND NON_UNIQUE = 0 ORDER BY INDEX_NAME <> 'PRIMARY', INDEX_NAME, SEQ_IN_INDEX");
+        std::vector<std::string> r;
+        for (const auto& f : filas) {
+            if (f[0] != filas.front()[0]) break;
+            r.push_back(f[1]);
+        }
+        return r;
+    }
+
+    void armarClaves() {
+        columnasSql_ = columnas_;
+        for (const auto& o : orden_)
+            claves_.push_back({o.campo, o.descendente, agregarColumna(columnasSql_, o.campo)});
+        paginado_ = true;
+        for (const auto& t : desc_.tablas) {
+            const auto k = claveUnica(t);
+            if (k.empty()) paginado_ = false;
+            for (const auto& c : k) {
+                RefCampo rc{t.nombre, c};
+                claves_.push_back({rc, false, agregarColumna(columnasSql_, rc)});
+            }
+        }
+        // The columns the caller sees come first; the key columns follow.
+        fila_.resize(columnas_.size());
+    }
+
+    // "k1 > v1 OR (k1 = v1 AND (k2 > v2 OR ...))", NULLs first ascending, last descending.
+    std::string despuesDe(std::size_t i) const {
+        if (i >= claves_.size()) return "FALSE";
+        const Clave& k = claves_[i];
+        const std::string col = formula::columnaSql(k.campo, Dialecto::MariaDB);
+        const auto& [nulo, lit] = ultimos_[i];
+        const std::string resto = despuesDe(i + 1);
+        if (nulo) {
+            // Ascending: every non-NULL comes after. Descending: nothing but NULL ties.
+            if (!k.desc)
+                return "(" + col + " IS NOT NULL OR (" + col + " IS NULL AND " + resto + "))";
+            return "(" + col + " IS NULL AND " + resto + ")";
+        }
+        const std::string op = k.desc ? " < " : " > ";
+        std::string s = "(" + col + op + lit;
+        if (k.desc) s += " OR " + col + " IS NULL";
+        return s + " OR (" + col + " = " + lit + " AND " + resto + "))";
+    }
+
+    void abrirBloque() {
+        std::string sql = base_;
+        std::string where = donde_;
+        if (paginado_ && !ultimos_.empty()) {
+            const std::string k = despuesDe(0);
+            where = where.empty() ? k : "(" + where + ") AND " + k;
+        }
+        if (!where.empty()) sql += " WHERE " + where;
+        if (!claves_.empty()) {
+            sql += " ORDER BY ";
+            for (std::size_t i = 0; i < claves_.size(); ++i)
+                sql += (i ? ", " : "") + formula::columnaSql(claves_[i].campo, Dialecto::MariaDB) +
+                       (claves_[i].desc ? " DESC" : " ASC");
+        }
+        if (paginado_)
+            sql += " LIMIT " + std::to_string(opciones_.filasPorBloque);
+        else
+            terminado_ = true;  // read in one go
+        stmt_ =
+            std::make_unique<Manejador>(SQL_HANDLE_STMT, dbc_.get(), "leer los datos del reporte");
+        registrarSql(sql);
+        if (!SQL_SUCCEEDED(SQLExecDirect(stmt_->get(), reinterpret_cast<SQLCHAR*>(sql.data()),
+                                         static_cast<SQLINTEGER>(sql.size()))))
+            fallarOdbc(*stmt_, "leer los datos del reporte", sql);
+        if (clases_.empty()) {
+            SQLSMALLINT n = 0;
+            SQLNumResultCols(stmt_->get(), &n);
+            for (SQLSMALLINT c = 1; c <= n; ++c) {
+                SQLCHAR nombre[256];
+                SQLSMALLINT largo = 0, tipo = 0, dec = 0, nul = 0;
+                SQLULEN tam = 0;
+                SQLDescribeCol(stmt_->get(), c, nombre, sizeof nombre, &largo, &tipo, &tam, &dec,
+                               &nul);
+                clases_.push_back(claseOdbc(tipo));
+            }
+        }
+        if (paginado_) terminado_ = false;
+    }
+
+    void leerFila() {
+        const std::string& sql = sql_.back();
+        std::vector<std::pair<bool, std::string>> crudos(columnasSql_.size());
+        for (std::size_t c = 0; c < columnasSql_.size(); ++c) {
+            bool nulo = false;
+            std::string s = leerTexto(*stmt_, static_cast<SQLUSMALLINT>(c + 1), nulo, sql);
+            if (c < fila_.size()) fila_[c] = nulo ? Valor() : convertir(clases_[c], s);
+            crudos[c] = {nulo, std::move(s)};
+        }
+        if (!paginado_) return;
+        ultimos_.resize(claves_.size());
+        for (std::size_t i = 0; i < claves_.size(); ++i) {
+            const auto& [nulo, s] = crudos[claves_[i].columna];
+            // Numbers go back as the server wrote them; the rest as quoted text.
+            ultimos_[i] = {nulo, clases_[claves_[i].columna] == Clase::Numero
+                                     ? s
+                                     : formula::textoSql(s, Dialecto::MariaDB)};
+        }
+    }
+
+    DescripcionConsulta desc_;
+    Manejador env_, dbc_;
+    bool conectado_ = false;
+    std::unique_ptr<Manejador> stmt_;
+    std::string donde_;
+    std::string base_;
+    std::vector<RefCampo> columnasSql_;
+    std::vector<Clave> claves_;
+    std::vector<Clase> clases_;
+    std::vector<std::pair<bool, std::string>> ultimos_;  // last row's keys: (null, literal)
+    bool paginado_ = false;
+    bool terminado_ = false;
+    std::size_t enBloque_ = 0;
+};
+
+}  // namespace detail
+
+std::unique_ptr<Filas> abrirOdbc(const std::string& connect, const DescripcionConsulta& d,
+                                 const Opciones& o) {
+    return std::make_unique<detail::FilasOdbc>(connect, d, o);
+}
+
+}  // namespace paratzorep::renderer::data
