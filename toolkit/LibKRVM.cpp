@@ -57,7 +57,25 @@ double LibKRVM::kvVal(const std::string& texto) const {
         }
     }
     if (!hayDigitos) return 0;
-    return signo * (entero + fraccion);
+    double valor = entero + fraccion;
+    // An exponent ("1.5E3", "2e-2") counts only when digits follow it.
+    if (i < texto.size() && (texto[i] == 'e' || texto[i] == 'E')) {
+        std::size_t j = i + 1;
+        int signoExp = 1;
+        if (j < texto.size() && (texto[j] == '-' || texto[j] == '+')) {
+            if (texto[j] == '-') signoExp = -1;
+            ++j;
+        }
+        int exponente = 0;
+        bool hayExp = false;
+        while (j < texto.size() && std::isdigit(static_cast<unsigned char>(texto[j]))) {
+            exponente = std::min(exponente * 10 + (texto[j] - '0'), 400);
+            hayExp = true;
+            ++j;
+        }
+        if (hayExp) valor *= std::pow(10.0, signoExp * exponente);
+    }
+    return signo * valor;
 }
 
 std::string LibKRVM::NoNull(const host::Valor& valor) const {

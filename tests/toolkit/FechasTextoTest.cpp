@@ -103,7 +103,9 @@ INSTANTIATE_TEST_SUITE_P(Tabla, KvValTest,
                                            CasoVal{".5", 0.5}, CasoVal{"12.3.4", 12.3},
                                            CasoVal{"", 0}, CasoVal{"abc", 0}, CasoVal{"-", 0},
                                            CasoVal{"$10", 0}, CasoVal{"3,5", 3}, CasoVal{"0007", 7},
-                                           CasoVal{"\t9\t", 9}));
+                                           CasoVal{"\t9\t", 9}, CasoVal{"1.5E3", 1500},
+                                           CasoVal{"25e-2", 0.25}, CasoVal{"3e", 3},
+                                           CasoVal{"4E+x", 4}, CasoVal{"-2e2", -200}));
 
 TEST(SumaWhereAndTest, PrimeraCondicionAbreWhereYLasDemasUnenConAnd) {
     LibKRVM kv;
