@@ -320,6 +320,22 @@ void recrearBase(Conexion& conexion, const std::string& base, const std::filesys
     if (!std::filesystem::is_regular_file(archivo))
         throw ErrorEsquema("No existe el archivo de esquema " + archivo.string(), {}, 0,
                            archivo.string());
+    // Dropping a filled database waits on the disk table by table: drop its tables
+    // over several connections first.
+    std::vector<Sentencia> borrados;
+    for (const auto& f : conexion.consultar(
+             "SELECT TABLE_NAME FROM information_schema.TABLES WHERE TABLE_SCHEMA='" + base + "'"))
+        if (f[0]) borrados.push_back({"DROP TABLE IF EXISTS `" + base + "`.`" + *f[0] + "`", 0});
+    if (borrados.size() > 1 && paralelas > 1) {
+        std::vector<Conexion> trabajadores;
+        for (int w = 0; w < paralelas; ++w) trabajadores.push_back(conexion.otra());
+        try {
+            enParalelo(trabajadores, borrados, 0, borrados.size(), base);
+        } catch (const ErrorEsquema& e) {
+            throw ErrorEsquema("No se pudo borrar la base de datos '" + base + "': " + e.what(),
+                               e.sql(), e.codigo());
+        }
+    }
     conexion.ejecutar("DROP DATABASE IF EXISTS `" + base + "`");
     conexion.ejecutar("CREATE DATABASE `" + base +
                       "` CHARACTER SET utf8mb4 COLLATE utf8mb4_general_ci");
