@@ -1,9 +1,11 @@
 #include "renderer/writers/LibroXlsx.h"
 
 #include <xlsxwriter.h>
+#include <zlib.h>
 
 #include <algorithm>
 #include <cmath>
+#include <fstream>
 #include <system_error>
 
 #include "renderer/writers/ArchivoSalida.h"
@@ -30,7 +32,145 @@ std::string TextoCelda(const std::string& texto) {
     return s;
 }
 
+std::uint16_t U16(const unsigned char* p) {
+    return static_cast<std::uint16_t>(p[0] | p[1] << 8);
+}
+std::uint32_t U32(const unsigned char* p) {
+    return U16(p) | static_cast<std::uint32_t>(U16(p + 2)) << 16;
+}
+
+struct EntradaZip {
+    std::string nombre;
+    std::uint16_t metodo = 0;
+    std::uint32_t crc = 0, comprimido = 0, tamano = 0, local = 0;
+};
+
+// Inflates (or copies) one entry, returning its CRC, size and count of "</row>".
+struct Contenido {
+    std::uint32_t crc = 0;
+    std::uint64_t tamano = 0;
+    std::uint64_t filas = 0;
+};
+
+Contenido LeerEntrada(std::ifstream& in, const EntradaZip& e) {
+    unsigned char cab[30];
+    in.seekg(e.local);
+    if (!in.read(reinterpret_cast<char*>(cab), 30) || U32(cab) != 0x04034b50)
+        throw std::runtime_error("encabezado local dañado en " + e.nombre);
+    in.seekg(e.local + 30 + U16(cab + 26) + U16(cab + 28));
+
+    Contenido c;
+    c.crc = crc32(0, nullptr, 0);
+    const std::string marca = "</row>";
+    std::string cola;  // the last bytes of the previous block, for marks split across blocks
+    auto consumir = [&](const unsigned char* datos, std::size_t n) {
+        c.crc = crc32(c.crc, datos, static_cast<uInt>(n));
+        c.tamano += n;
+        std::string bloque = cola + std::string(reinterpret_cast<const char*>(datos), n);
+        for (std::size_t p = 0; (p = bloque.find(marca, p)) != std::string::npos; p += marca.size())
+            ++c.filas;
+        cola = bloque.substr(bloque.size() - std::min(bloque.size(), marca.size() - 1));
+    };
+
+    std::vector<unsigned char> entrada(1 << 16), salida(1 << 16);
+    std::uint64_t restante = e.comprimido;
+    if (e.metodo == 0) {
+        while (restante > 0) {
+            auto n =
+                static_cast<std::streamsize>(std::min<std::uint64_t>(restante, entrada.size()));
+            if (!in.read(reinterpret_cast<char*>(entrada.data()), n))
+                throw std::runtime_error("datos truncados en " + e.nombre);
+            consumir(entrada.data(), static_cast<std::size_t>(n));
+            restante -= static_cast<std::uint64_t>(n);
+        }
+        return c;
+    }
+    if (e.metodo != 8) throw std::runtime_error("compresión desconocida en " + e.nombre);
+    z_stream z{};
+    if (inflateInit2(&z, -MAX_WBITS) != Z_OK) throw std::runtime_error("zlib");
+    int r = Z_OK;
+    while (r != Z_STREAM_END) {
+        if (z.avail_in == 0) {
+            auto n =
+                static_cast<std::streamsize>(std::min<std::uint64_t>(restante, entrada.size()));
+            if (n == 0 || !in.read(reinterpret_cast<char*>(entrada.data()), n)) {
+                inflateEnd(&z);
+                throw std::runtime_error("datos truncados en " + e.nombre);
+            }
+            restante -= static_cast<std::uint64_t>(n);
+            z.next_in = entrada.data();
+            z.avail_in = static_cast<uInt>(n);
+        }
+        z.next_out = salida.data();
+        z.avail_out = static_cast<uInt>(salida.size());
+        r = inflate(&z, Z_NO_FLUSH);
+        if (r != Z_OK && r != Z_STREAM_END) {
+            inflateEnd(&z);
+            throw std::runtime_error("datos dañados en " + e.nombre);
+        }
+        consumir(salida.data(), salida.size() - z.avail_out);
+    }
+    inflateEnd(&z);
+    return c;
+}
+
 }  // namespace
+
+void VerificarXlsx(const std::filesystem::path& archivo, const std::filesystem::path& nombre,
+                   const std::vector<std::uint32_t>& filasPorHoja) {
+    try {
+        std::ifstream in(archivo, std::ios::binary);
+        if (!in) throw std::runtime_error("no se pudo abrir");
+        in.seekg(0, std::ios::end);
+        const auto largo = static_cast<std::uint64_t>(in.tellg());
+        if (largo < 22) throw std::runtime_error("archivo demasiado corto");
+        unsigned char fin[22];
+        in.seekg(static_cast<std::streamoff>(largo - 22));
+        in.read(reinterpret_cast<char*>(fin), 22);
+        if (U32(fin) != 0x06054b50) throw std::runtime_error("falta el directorio del paquete");
+        const std::uint16_t entradas = U16(fin + 10);
+        const std::uint32_t tamanoDirectorio = U32(fin + 12), inicio = U32(fin + 16);
+        std::vector<unsigned char> dir(tamanoDirectorio);
+        in.seekg(inicio);
+        if (!in.read(reinterpret_cast<char*>(dir.data()), tamanoDirectorio))
+            throw std::runtime_error("directorio del paquete truncado");
+
+        std::size_t p = 0, hojas = 0;
+        for (std::uint16_t i = 0; i < entradas; ++i) {
+            if (p + 46 > dir.size() || U32(&dir[p]) != 0x02014b50)
+                throw std::runtime_error("directorio del paquete dañado");
+            EntradaZip e;
+            e.metodo = U16(&dir[p + 10]);
+            e.crc = U32(&dir[p + 16]);
+            e.comprimido = U32(&dir[p + 20]);
+            e.tamano = U32(&dir[p + 24]);
+            const std::uint16_t n = U16(&dir[p + 28]), extra = U16(&dir[p + 30]),
+                                comentario = U16(&dir[p + 32]);
+            e.local = U32(&dir[p + 42]);
+            if (p + 46 + n > dir.size()) throw std::runtime_error("directorio del paquete dañado");
+            e.nombre.assign(reinterpret_cast<const char*>(&dir[p + 46]), n);
+            p += 46 + n + extra + comentario;
+
+            Contenido c = LeerEntrada(in, e);
+            if (c.crc != e.crc || c.tamano != e.tamano)
+                throw std::runtime_error("contenido dañado en " + e.nombre);
+            const std::string prefijo = "xl/worksheets/sheet";
+            if (e.nombre.rfind(prefijo, 0) == 0 && e.nombre.size() > prefijo.size() + 4 &&
+                e.nombre.compare(e.nombre.size() - 4, 4, ".xml") == 0) {
+                std::size_t h = std::stoul(e.nombre.substr(prefijo.size())) - 1;
+                ++hojas;
+                if (h >= filasPorHoja.size() || c.filas != filasPorHoja[h])
+                    throw std::runtime_error("faltan renglones en la hoja " +
+                                             std::to_string(h + 1));
+            }
+        }
+        if (hojas != filasPorHoja.size()) throw std::runtime_error("faltan hojas");
+    } catch (const std::runtime_error& e) {
+        throw ErrorEscritura("No se pudo escribir el libro de Excel completo (¿disco lleno?)",
+                             nombre.string(), e.what());
+    }
+}
+
 }  // namespace detail
 
 LibroXlsx::LibroXlsx(std::filesystem::path archivo, std::string nombreHoja,
@@ -42,7 +182,6 @@ LibroXlsx::LibroXlsx(std::filesystem::path archivo, std::string nombreHoja,
     if (archivo_.empty()) throw ErrorEscritura("No se indicó el nombre del archivo");
     lxw_workbook_options opciones{};
     opciones.constant_memory = LXW_TRUE;
-    opciones.use_zip64 = LXW_TRUE;
     libro_ = workbook_new_opt(parcial_.string().c_str(), &opciones);
     if (libro_ == nullptr)
         throw ErrorEscritura("No se pudo crear el libro de Excel", archivo_.string());
@@ -108,6 +247,7 @@ void LibroXlsx::NuevaHoja() {
         throw ErrorEscritura("No se pudo agregar la hoja al libro de Excel", archivo_.string(),
                              nombre);
     ++hojas_;
+    filasConDatos_.push_back(0);
     fila_ = 0;
     for (std::size_t c = 0; c < columnas_.size(); ++c)
         worksheet_set_column(hoja_, static_cast<lxw_col_t>(c), static_cast<lxw_col_t>(c),
@@ -130,6 +270,7 @@ void LibroXlsx::Fila(std::span<const CeldaTabla> celdas) {
 
 void LibroXlsx::EscribirFila(std::span<const CeldaTabla> celdas) {
     const std::size_t n = std::min<std::size_t>(celdas.size(), kColumnasPorHoja);
+    bool conDatos = false;
     for (std::size_t c = 0; c < n; ++c) {
         const CeldaTabla& celda = celdas[c];
         const auto col = static_cast<lxw_col_t>(c);
@@ -154,7 +295,9 @@ void LibroXlsx::EscribirFila(std::span<const CeldaTabla> celdas) {
         if (error != LXW_NO_ERROR)
             throw ErrorEscritura("No se pudo escribir una celda del libro de Excel",
                                  archivo_.string(), lxw_strerror(error));
+        conDatos = true;
     }
+    if (conDatos) ++filasConDatos_.back();
     ++fila_;
 }
 
@@ -169,6 +312,13 @@ void LibroXlsx::Cerrar() {
         std::filesystem::remove(parcial_, ec);
         throw ErrorEscritura("No se pudo guardar el libro de Excel", archivo_.string(),
                              lxw_strerror(error));
+    }
+    try {
+        detail::VerificarXlsx(parcial_, archivo_, filasConDatos_);
+    } catch (...) {
+        std::error_code ec;
+        std::filesystem::remove(parcial_, ec);
+        throw;
     }
     detail::Reemplazar(parcial_, archivo_);
 }

@@ -49,6 +49,7 @@ class LibroXlsx : public SalidaTabular {
     lxw_worksheet* hoja_ = nullptr;
     std::uint32_t fila_ = 0;
     std::size_t hojas_ = 0;
+    std::vector<std::uint32_t> filasConDatos_;  // per sheet, to check the finished file
     std::vector<EstiloCelda> estilos_;
     std::vector<lxw_format*> formatos_;       // per style, created on first use
     std::vector<lxw_format*> formatosFecha_;  // per style, with the default date format
@@ -56,5 +57,14 @@ class LibroXlsx : public SalidaTabular {
     int estiloTitulo_ = -1;
     bool cerrado_ = false;
 };
+
+namespace detail {
+// Reads the finished package back: every entry's CRC and size, and each worksheet's
+// count of rows against what was written. libxlsxwriter does not check its writes to
+// temporary files, so a full disk there would otherwise leave a corrupt workbook that
+// reports success. Throws ErrorEscritura.
+void VerificarXlsx(const std::filesystem::path& archivo, const std::filesystem::path& nombre,
+                   const std::vector<std::uint32_t>& filasPorHoja);
+}  // namespace detail
 
 }  // namespace paratzorep::renderer

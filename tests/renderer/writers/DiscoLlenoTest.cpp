@@ -1,0 +1,102 @@
+// A full disk, simulated with a file-size limit: every writer reports it with its own
+// message, leaves no partial file and keeps the earlier file of the same name.
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <csignal>
+#include <fstream>
+#include <functional>
+#include <memory>
+
+#include "Documentos.h"
+#include "Lector.h"
+#include "renderer/writers/ErrorEscritura.h"
+#include "renderer/writers/EscritorRtf.h"
+#include "renderer/writers/EscritorTabla.h"
+
+namespace paratzorep::renderer {
+namespace {
+
+using namespace prueba;
+
+// Caps the size of any file this process writes while alive; past it, writes fail with
+// EFBIG instead of raising SIGXFSZ.
+class LimiteDeArchivo {
+  public:
+    explicit LimiteDeArchivo(rlim_t bytes) {
+        anteriorSenal_ = std::signal(SIGXFSZ, SIG_IGN);
+        ::getrlimit(RLIMIT_FSIZE, &anterior_);
+        rlimit nuevo = anterior_;
+        nuevo.rlim_cur = bytes;
+        ::setrlimit(RLIMIT_FSIZE, &nuevo);
+    }
+    ~LimiteDeArchivo() {
+        ::setrlimit(RLIMIT_FSIZE, &anterior_);
+        std::signal(SIGXFSZ, anteriorSenal_);
+    }
+
+  private:
+    rlimit anterior_{};
+    void (*anteriorSenal_)(int) = nullptr;
+};
+
+struct CasoDisco {
+    std::string extension;
+    std::function<std::unique_ptr<Escritor>(const std::string&)> crear;
+};
+
+void PrintTo(const CasoDisco& c, std::ostream* os) {
+    *os << c.extension;
+}
+
+class DiscoLleno : public ::testing::TestWithParam<CasoDisco> {};
+
+TEST_P(DiscoLleno, ErrorClaroSinArchivoParcialYElAnteriorIntacto) {
+    CarpetaTemporal carpeta;
+    auto ruta = carpeta / ("reporte." + GetParam().extension);
+    std::ofstream(ruta) << "anterior";
+    std::string mensaje;
+    {
+        LimiteDeArchivo limite(16 * 1024);
+        try {
+            // 100 pages of 50 rows: far more than 16 KB in any format.
+            auto w = GetParam().crear(ruta.string());
+            Documento doc;
+            doc.titulo = "Lleno";
+            w->Inicia(doc);
+            std::uint32_t banda = 0;
+            for (int pagina = 0; pagina < 100; ++pagina) {
+                renderer::Pagina p;
+                for (int fila = 0; fila < 50; ++fila, ++banda) {
+                    double y = 40 + fila * 14;
+                    p.textos.push_back(Texto(TipoBanda::Detalle, banda, 36, y, 200,
+                                             "Cliente número " + std::to_string(banda)));
+                    p.textos.push_back(
+                        Numero(TipoBanda::Detalle, banda, 300, y, 80, banda * 1.5, "1.50"));
+                }
+                w->Pagina(p);
+            }
+            w->Termina();
+        } catch (const ErrorEscritura& e) {
+            mensaje = e.what();
+        }
+    }
+    EXPECT_NE(mensaje.find("No se pudo"), std::string::npos) << mensaje;
+    std::ifstream in(ruta);
+    std::string contenido;
+    in >> contenido;
+    EXPECT_EQ(contenido, "anterior");
+    for (const auto& e : std::filesystem::directory_iterator(carpeta.ruta()))
+        EXPECT_EQ(e.path(), ruta) << "sobra " << e.path();
+}
+
+INSTANTIATE_TEST_SUITE_P(Escritores, DiscoLleno,
+                         ::testing::Values(CasoDisco{"csv", CreaEscritorCsv},
+                                           CasoDisco{"xls", CreaEscritorXls},
+                                           CasoDisco{"xlsx", CreaEscritorXlsx},
+                                           CasoDisco{"rtf", CreaEscritorRtf},
+                                           CasoDisco{"doc", CreaEscritorDoc}),
+                         [](const auto& info) { return info.param.extension; });
+
+}  // namespace
+}  // namespace paratzorep::renderer
