@@ -284,6 +284,13 @@ TEST(Esquemas, LosReportesTienenUnModeloVacioPorTablaDeTrabajo) {
     std::string sql = *def[0][1];
     sql.replace(sql.find("adsmovtos"), 9, "tbltemp0");
     EXPECT_NO_THROW(b.c().ejecutar(sql));
+    // Recreating a filled database leaves only the empty models.
+    b.c().ejecutar("INSERT INTO cheques (Tipo) VALUES ('EFECTIVO')");
+    recrearBase(b.c(), b.nombre(), carpetaEsquemas() / "tanzoreportes.sql");
+    EXPECT_EQ(b.c().valor("SELECT COUNT(*) FROM cheques"), "0");
+    EXPECT_EQ(b.c().valor("SELECT COUNT(*) FROM information_schema.TABLES WHERE TABLE_SCHEMA='" +
+                          b.nombre() + "' AND TABLE_NAME='tbltemp0'"),
+              "0");
 }
 
 TEST(Esquemas, LaBaseGeneralTieneEstructurasEIconos) {
