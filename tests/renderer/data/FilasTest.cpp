@@ -1,0 +1,325 @@
+// The data path against the run's private server and a local SQLite file: pushed
+// and in-memory selections agree, paging keeps order and rows, zero dates read
+// empty, failures carry their context.
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+
+#include "Soporte.h"
+#include "renderer/data/Consulta.h"
+#include "renderer/formula/Evaluador.h"
+
+namespace paratzorep::renderer::data {
+namespace {
+
+using pruebas::BaseDeDatosDePrueba;
+
+// Writes the tests' odbc.ini once and points the driver manager at it before
+// the process's first ODBC call.
+void prepararOdbc(const paratzorep::data::DatosServidor& s) {
+    static bool hecho = false;
+    if (hecho) return;
+    const std::string ruta = (std::filesystem::temp_directory_path() /
+                              ("tz-odbc-" + std::to_string(::getpid()) + ".ini"))
+                                 .string();
+    std::ofstream f(ruta);
+    f << "[myodbc3-test]\nDriver=/usr/lib/x86_64-linux-gnu/odbc/libmaodbc.so\nSERVER=" << s.host
+      << "\nPORT=" << s.puerto << "\n";
+    f.close();
+    ::setenv("ODBCINI", ruta.c_str(), 1);
+    hecho = true;
+}
+
+std::string connect(const BaseDeDatosDePrueba& bd) {
+    const auto& s = bd.servidor();
+    prepararOdbc(s);
+    return "DSN=myodbc3-test;SERVER=" + s.host + ";DB=" + bd.nombre() + ";UID=" + s.usuario +
+           ";PWD=" + s.password;
+}
+
+const char* kTablas =
+    "CREATE TABLE mov (Id INT PRIMARY KEY, Clave VARCHAR(20), Fecha DATE NULL, "
+    "Concepto VARCHAR(80), Importe DECIMAL(12,2) NULL, IdMoneda INT) DEFAULT CHARSET=utf8mb4;"
+    "CREATE TABLE cli (Clave VARCHAR(20) PRIMARY KEY, Nombre VARCHAR(40), Zona CHAR(2) NULL) "
+    "DEFAULT CHARSET=utf8mb4;"
+    "INSERT INTO cli VALUES ('C001','Ana','N'),('c002','Beto',NULL),('C003','Ñoño','S');"
+    "INSERT INTO mov VALUES "
+    "(1,'C001','2024-03-05','BONIFICACION POR CANCELACION F-1',100.50,1),"
+    "(2,'C001','2024-03-06','Devolución ctes. 12',20,1),"
+    "(3,'c002','0000-00-00','DEVOLUCION CTES. 13',NULL,2),"
+    "(4,'C003',NULL,'Cargo',5,1),"
+    "(5,'C003 ','2024-01-31','cargo por factura',0,1),"
+    "(6,'X9','2024-12-31',NULL,-3.25,1),"
+    "(7,'C001','2024-03-05','ABONO AUTOMATICO A CXC',100.50,2),"
+    "(8,'Ñ1','2024-03-05','niño',7,1)";
+
+DescripcionConsulta consulta(std::string seleccion, std::vector<std::string> orden = {}) {
+    DescripcionConsulta d;
+    d.tablas = {{"edoctacli", "mov"}, {"clientes", "cli"}};
+    Union u;
+    u.izquierda = true;
+    u.campos = {{{"edoctacli", "Clave"}, {"clientes", "Clave"}}};
+    d.uniones = {u};
+    d.columnas = {{"edoctacli", "Id"}};
+    d.seleccion = std::move(seleccion);
+    d.orden = std::move(orden);
+    return d;
+}
+
+std::vector<int> ids(Filas& f) {
+    std::vector<int> r;
+    const int i = f.indice("edoctacli", "Id");
+    while (f.siguiente()) r.push_back(static_cast<int>(f.valor(i).comoNumero()));
+    return r;
+}
+
+const std::vector<std::string> kSelecciones = {
+    "{edoctacli.IdMoneda}=1",
+    "{edoctacli.Fecha}>=Date(2024,3,5)",
+    "{edoctacli.Fecha}<=Date(2024,3,5)",
+    "{edoctacli.Fecha}<Date(2024,3,5) and {edoctacli.IdMoneda}=1",
+    "not ('BONIFICACION POR CANCELACION' in {edoctacli.Concepto})",
+    "'devolucion ctes.' in {edoctacli.Concepto}",
+    "'DEVOLUCIÓN CTES.' in {edoctacli.Concepto}",
+    "not ('DEVOLUCION CTES. ' in {edoctacli.Concepto}) and not ('ABONO AUTOMATICO A CXC' in "
+    "{edoctacli.Concepto})",
+    "{edoctacli.Clave}='c001'",
+    "{edoctacli.Clave}='C003'",
+    "{edoctacli.Clave}>='C001' and {edoctacli.Clave}<='C002'",
+    "{edoctacli.Clave}=''",
+    "{edoctacli.Importe}>0",
+    "{edoctacli.Importe}<>100.5",
+    "{edoctacli.Concepto}='NINO'",
+    "( {clientes.Nombre}='ana' OR {clientes.Zona}='S')",
+    "{clientes.Zona} in ['N', 'X']",
+    "not ({clientes.Zona}='N')",
+    "{edoctacli.IdMoneda}=1 and Trim({edoctacli.Clave}) = 'C003'",
+};
+
+TEST(FilasOdbc, SeleccionEnviadaYEvaluadaDanLasMismasFilas) {
+    BaseDeDatosDePrueba bd;
+    bd.ejecutar(kTablas);
+    const std::string cs = connect(bd);
+    for (const auto& sel : kSelecciones) {
+        SCOPED_TRACE(sel);
+        auto enviada = abrirOdbc(cs, consulta(sel, {"+{edoctacli.Id}"}));
+        const std::vector<int> a = ids(*enviada);
+        // The same selection evaluated here over every row.
+        const formula::Formula f = formula::analizar(sel);
+        std::vector<int> b;
+        DescripcionConsulta d = consulta("", {"+{edoctacli.Id}"});
+        for (const auto& c : f.campos()) d.columnas.push_back(c);
+        auto filas = abrirOdbc(cs, d);
+        while (filas->siguiente())
+            if (formula::seleccionar(f, *filas))
+                b.push_back(static_cast<int>(filas->valor(0).comoNumero()));
+        EXPECT_EQ(a, b);
+        const bool trim = sel.find("Trim") != std::string::npos;
+        EXPECT_EQ(enviada->seleccionEnMemoria().size(), trim ? 1u : 0u);
+        if (!trim) {
+            EXPECT_EQ(enviada->leidas(), a.size()) << enviada->sqlEnviado().back();
+        }
+    }
+}
+
+TEST(FilasOdbc, PaginasConservanOrdenYFilas) {
+    BaseDeDatosDePrueba bd;
+    bd.ejecutar(kTablas);
+    const std::string cs = connect(bd);
+    for (const char* orden : {"-{edoctacli.Importe}", "+{edoctacli.Fecha}", "+{clientes.Zona}",
+                              "+{edoctacli.Concepto}", "-{edoctacli.Clave}"}) {
+        SCOPED_TRACE(orden);
+        Opciones enUno;
+        enUno.filasPorBloque = 1000;
+        auto uno = abrirOdbc(cs, consulta("", {orden}), enUno);
+        const auto esperado = ids(*uno);
+        for (std::size_t n : {1u, 2u, 3u}) {
+            Opciones o;
+            o.filasPorBloque = n;
+            auto f = abrirOdbc(cs, consulta("", {orden}), o);
+            EXPECT_EQ(ids(*f), esperado) << "bloques de " << n;
+            // information_schema look-ups, then one statement per block plus the empty tail
+            EXPECT_GE(f->sqlEnviado().size(), 8 / n);
+        }
+        ASSERT_EQ(esperado.size(), 8u);
+    }
+}
+
+TEST(FilasOdbc, OrdenComoElDelEvaluador) {
+    BaseDeDatosDePrueba bd;
+    bd.ejecutar(kTablas);
+    Opciones o;
+    o.filasPorBloque = 2;
+    auto f = abrirOdbc(connect(bd), consulta("", {"+{edoctacli.Concepto}"}), o);
+    const int c = f->indice("edoctacli", "Concepto");
+    std::vector<Valor> vistos;
+    while (f->siguiente()) vistos.push_back(f->valor(c));
+    ASSERT_EQ(vistos.size(), 8u);
+    for (std::size_t i = 1; i < vistos.size(); ++i)
+        EXPECT_NE(compararParaOrden(vistos[i - 1], vistos[i]), std::strong_ordering::greater)
+            << vistos[i - 1].aTexto() << " / " << vistos[i].aTexto();
+}
+
+TEST(FilasOdbc, FechaCeroEsFechaVacia) {
+    BaseDeDatosDePrueba bd;
+    bd.ejecutar(kTablas);
+    DescripcionConsulta d = consulta("{edoctacli.Id}=3");
+    d.columnas.push_back({"edoctacli", "Fecha"});
+    d.columnas.push_back({"edoctacli", "Importe"});
+    auto f = abrirOdbc(connect(bd), d);
+    ASSERT_TRUE(f->siguiente());
+    EXPECT_EQ(f->valor(1).tipo(), Valor::Tipo::Fecha);
+    EXPECT_TRUE(f->valor(1).comoFecha().vacia());
+    EXPECT_TRUE(f->valor(2).esNulo());
+    EXPECT_FALSE(f->siguiente());
+}
+
+TEST(FilasOdbc, ErroresConContexto) {
+    BaseDeDatosDePrueba bd;
+    bd.ejecutar(kTablas);
+    try {
+        abrirOdbc(connect(bd) + ";PWD=mala", consulta(""));
+        FAIL();
+    } catch (const ErrorDatos& e) {
+        EXPECT_EQ(e.accion(), "conectar con la base de datos del reporte");
+        EXPECT_NE(e.codigo(), 0);
+    }
+    try {
+        auto f = abrirOdbc(connect(bd), consulta("{edoctacli.NoExiste}=1"));
+        f->siguiente();
+        FAIL();
+    } catch (const ErrorDatos& e) {
+        EXPECT_NE(e.sql().find("NoExiste"), std::string::npos);
+        EXPECT_EQ(e.codigo(), 1054);  // unknown column
+        EXPECT_NE(std::string(e.what()).find("Error al leer los datos del reporte"),
+                  std::string::npos);
+    }
+}
+
+// The collation of the formulas against the server's, pair by pair.
+TEST(Colacion, IgualQueLaDelServidor) {
+    BaseDeDatosDePrueba bd;
+    const std::vector<std::string> textos = {
+        "a", "A",  "á",   "ä ", "b",  "ñ", "N", "ß", "ss", "s", "Ø", "o", "a\t", "",
+        " ", "ab", "AB ", "æ",  "ae", "ÿ", "Y", "😀", "😁",  "ǅ", "Ω", "ω", "я",   "Я"};
+    std::string sql = "SELECT ";
+    std::vector<std::pair<std::size_t, std::size_t>> pares;
+    for (std::size_t i = 0; i < textos.size(); ++i)
+        for (std::size_t j = 0; j < textos.size(); ++j) {
+            if (!pares.empty()) sql += ",";
+            sql += "STRCMP(_utf8mb4'" + textos[i] + "' COLLATE utf8mb4_general_ci, _utf8mb4'" +
+                   textos[j] + "'), LOCATE(_utf8mb4'" + textos[j] +
+                   "' COLLATE utf8mb4_general_ci, _utf8mb4'" + textos[i] + "') > 0";
+            pares.push_back({i, j});
+        }
+    const auto fila = bd.filas(sql).at(0);
+    for (std::size_t k = 0; k < pares.size(); ++k) {
+        const auto& a = textos[pares[k].first];
+        const auto& b = textos[pares[k].second];
+        const auto r = compararTextos(a, b);
+        const int nuestro = r < 0 ? -1 : (r > 0 ? 1 : 0);
+        EXPECT_EQ(std::to_string(nuestro), fila[2 * k]) << "'" << a << "' vs '" << b << "'";
+        EXPECT_EQ(contieneTexto(a, b) ? "1" : "0", fila[2 * k + 1])
+            << "'" << b << "' in '" << a << "'";
+    }
+}
+
+class ArchivoSqlite {
+  public:
+    explicit ArchivoSqlite(const std::filesystem::path& p) : ruta(p) {
+        sqlite3* b = nullptr;
+        sqlite3_open(p.c_str(), &b);
+        sqlite3_exec(b,
+                     "CREATE TABLE Titulo100 (Id INTEGER PRIMARY KEY, Encabezado TEXT, Fecha DATE,"
+                     " Monto REAL);"
+                     "INSERT INTO Titulo100 VALUES (1,'Cargos de clientes','2024-03-05',1.5),"
+                     "(2,'DEVOLUCIÓN','0000-00-00',NULL),(3,'devolucion x','2024-01-02',-2),"
+                     "(4,NULL,NULL,3),(5,'Niño ','2024-12-31',0)",
+                     nullptr, nullptr, nullptr);
+        sqlite3_close(b);
+    }
+    std::filesystem::path ruta;
+};
+
+TEST(FilasSqlite, SeleccionLocalComoEnMemoria) {
+    pruebas::CarpetaTemporal tmp;
+    ArchivoSqlite archivo(tmp / "Auxiliar.mdb");
+    const std::vector<std::string> selecciones = {
+        "{Titulo100.Encabezado}='NINO'",
+        "'DEVOLUCION' in {Titulo100.Encabezado}",
+        "'devolución' in {Titulo100.Encabezado}",
+        "{Titulo100.Fecha}>=Date(2024,1,2)",
+        "{Titulo100.Fecha}<Date(2024,1,2)",
+        "not ({Titulo100.Monto}>0)",
+        "{Titulo100.Encabezado}<'D' or {Titulo100.Monto} in [3]",
+        "Len({Titulo100.Encabezado})>5"};
+    for (const auto& sel : selecciones) {
+        SCOPED_TRACE(sel);
+        DescripcionConsulta d;
+        d.tablas = {{"Titulo100", "Titulo100"}};
+        d.columnas = {{"Titulo100", "Id"}};
+        d.seleccion = sel;
+        d.orden = {"+{Titulo100.Id}"};
+        auto f = abrirSqlite(archivo.ruta, d);
+        std::vector<int> a;
+        while (f->siguiente()) a.push_back(static_cast<int>(f->valor(0).comoNumero()));
+        d.seleccion.clear();
+        d.columnas = {{"Titulo100", "Id"},
+                      {"Titulo100", "Encabezado"},
+                      {"Titulo100", "Fecha"},
+                      {"Titulo100", "Monto"}};
+        auto todas = abrirSqlite(archivo.ruta, d);
+        const formula::Formula fx = formula::analizar(sel);
+        std::vector<int> b;
+        while (todas->siguiente())
+            if (formula::seleccionar(fx, *todas))
+                b.push_back(static_cast<int>(todas->valor(0).comoNumero()));
+        EXPECT_EQ(a, b);
+    }
+}
+
+TEST(FilasSqlite, FechaCeroYArchivoFaltante) {
+    pruebas::CarpetaTemporal tmp;
+    ArchivoSqlite archivo(tmp / "Auxiliar.mdb");
+    DescripcionConsulta d;
+    d.tablas = {{"Titulo100", "Titulo100"}};
+    d.columnas = {{"Titulo100", "Fecha"}};
+    d.seleccion = "{Titulo100.Id}=2";
+    auto f = abrirSqlite(archivo.ruta, d);
+    ASSERT_TRUE(f->siguiente());
+    EXPECT_TRUE(f->valor(0).comoFecha().vacia());
+    EXPECT_THROW(abrirSqlite(tmp / "NoHay.mdb", d), ErrorDatos);
+}
+
+struct CasoArchivos {
+    const char* entradas;
+    const char* tabla;
+    const char* esperado;
+};
+
+class ArchivosDatos : public ::testing::TestWithParam<CasoArchivos> {};
+
+TEST_P(ArchivosDatos, Redireccion) {
+    const auto m = leerArchivosDatos(GetParam().entradas);
+    EXPECT_EQ(resolverTabla(GetParam().tabla, m, "datos1"), GetParam().esperado);
+}
+
+INSTANTIATE_TEST_SUITE_P(Casos, ArchivosDatos,
+                         ::testing::Values(CasoArchivos{"bitacorausuarios*tbltemp12",
+                                                        "bitacorausuarios", "datos1.tbltemp12"},
+                                           CasoArchivos{
+                                               "cxc*tanzoreportes.tbltemp3; Titulo100*Titulo100",
+                                               "CXC", "tanzoreportes.tbltemp3"},
+                                           CasoArchivos{"a*b;c*d", "c", "datos1.d"},
+                                           CasoArchivos{"", "edoctacli", "datos1.edoctacli"},
+                                           CasoArchivos{"x*y;", "otra.tabla", "otra.tabla"}));
+
+TEST(ArchivosDatos, EntradaMalFormada) {
+    EXPECT_THROW(leerArchivosDatos("tabla sin estrella"), ErrorDatos);
+}
+
+}  // namespace
+}  // namespace paratzorep::renderer::data
