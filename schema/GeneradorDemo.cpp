@@ -2198,10 +2198,10 @@ void Simulacion::dia(int d) {
         return static_cast<int>(az_.entre(0, 2 * k) + extra);
     };
     comprasDelDia(d);
-    for (int k = cuantos(6.5); k > 0; --k) venta(d, kFactura);
-    for (int k = cuantos(5.0); k > 0; --k) venta(d, kRemision);
+    for (int k = cuantos(9.0); k > 0; --k) venta(d, kFactura);
+    for (int k = cuantos(7.0); k > 0; --k) venta(d, kRemision);
     for (int k = cuantos(0.4); k > 0; --k) venta(d, kApartado);
-    for (int k = cuantos(14.0); k > 0; --k) ticket(d);
+    for (int k = cuantos(20.0); k > 0; --k) ticket(d);
     if ((d - inicio_) % 15 == 14) {
         std::vector<int> clientes;
         for (const auto& [llave, lista] : remisionesPendientes_)
