@@ -2,6 +2,7 @@
 #include <sql.h>
 #include <sqlext.h>
 
+#include <algorithm>
 #include <cstring>
 
 #include "renderer/data/ArmadoSql.h"
@@ -142,16 +143,27 @@ class FilasOdbc : public Filas {
                 if (terminado_) return false;
                 abrirBloque();
             }
-            const SQLRETURN r = SQLFetch(stmt_->get());
-            if (r == SQL_NO_DATA) {
-                stmt_.reset();
-                // A short block is the last one; so is an unpaged query.
-                if (!paginado_ || enBloque_ < opciones_.filasPorBloque) terminado_ = true;
-                enBloque_ = 0;
-                continue;
+            if (enlazado_ && posLote_ < lote_) {
+                leerFilaEnlazada(posLote_++);
+            } else {
+                const SQLRETURN r = SQLFetch(stmt_->get());
+                if (r == SQL_NO_DATA || (enlazado_ && SQL_SUCCEEDED(r) && lote_ == 0)) {
+                    stmt_.reset();
+                    // A short block is the last one; so is an unpaged query.
+                    if (!paginado_ || enBloque_ < opciones_.filasPorBloque) terminado_ = true;
+                    enBloque_ = 0;
+                    continue;
+                }
+                if (!SQL_SUCCEEDED(r))
+                    fallarOdbc(*stmt_, "leer los datos del reporte", sql_.back());
+                if (enlazado_) {
+                    posLote_ = 0;
+                    guardarClavesEnlazadas(lote_ - 1);
+                    leerFilaEnlazada(posLote_++);
+                } else {
+                    leerFila();
+                }
             }
-            if (!SQL_SUCCEEDED(r)) fallarOdbc(*stmt_, "leer los datos del reporte", sql_.back());
-            leerFila();
             ++enBloque_;
             ++leidas_;
             if (pasaResto()) {
@@ -328,9 +340,65 @@ class FilasOdbc : public Filas {
                 SQLDescribeCol(stmt_->get(), c, nombre, sizeof nombre, &largo, &tipo, &tam, &dec,
                                &nul);
                 clases_.push_back(claseOdbc(tipo));
+                // Room for the value as text: up to 4 bytes a character, a sign and a point.
+                anchos_.push_back(static_cast<SQLLEN>(std::max<SQLULEN>(tam, 16) * 4 + 8));
             }
+            // Bound buffers and rowsets of kLote rows, unless a column is too wide.
+            enlazado_ = true;
+            for (auto a : anchos_)
+                if (a > 16384) enlazado_ = false;
         }
+        if (enlazado_) enlazar();
         if (paginado_) terminado_ = false;
+    }
+
+    void enlazar() {
+        SQLHANDLE st = stmt_->get();
+        SQLSetStmtAttr(st, SQL_ATTR_ROW_BIND_TYPE, reinterpret_cast<SQLPOINTER>(SQL_BIND_BY_COLUMN),
+                       0);
+        SQLSetStmtAttr(st, SQL_ATTR_ROW_ARRAY_SIZE, reinterpret_cast<SQLPOINTER>(kLote), 0);
+        SQLSetStmtAttr(st, SQL_ATTR_ROWS_FETCHED_PTR, &lote_, 0);
+        bufs_.resize(anchos_.size());
+        inds_.resize(anchos_.size());
+        for (std::size_t c = 0; c < anchos_.size(); ++c) {
+            bufs_[c].resize(static_cast<std::size_t>(anchos_[c]) * kLote);
+            inds_[c].resize(kLote);
+            if (!SQL_SUCCEEDED(SQLBindCol(st, static_cast<SQLUSMALLINT>(c + 1), SQL_C_CHAR,
+                                          bufs_[c].data(), anchos_[c], inds_[c].data())))
+                fallarOdbc(*stmt_, "leer los datos del reporte", sql_.back());
+        }
+        lote_ = 0;
+        posLote_ = 0;
+    }
+
+    std::string_view enlazado(std::size_t c, SQLULEN fila, bool& nulo) const {
+        const SQLLEN ind = inds_[c][fila];
+        nulo = ind == SQL_NULL_DATA;
+        if (nulo) return {};
+        const SQLLEN largo = std::min<SQLLEN>(ind, anchos_[c] - 1);
+        return std::string_view(bufs_[c].data() + static_cast<std::size_t>(anchos_[c]) * fila,
+                                static_cast<std::size_t>(largo));
+    }
+
+    void leerFilaEnlazada(SQLULEN fila) {
+        for (std::size_t c = 0; c < fila_.size(); ++c) {
+            bool nulo = false;
+            const std::string_view s = enlazado(c, fila, nulo);
+            fila_[c] = nulo ? Valor() : convertir(clases_[c], std::string(s));
+        }
+    }
+
+    // The keys of the rowset's last row: where the next block starts.
+    void guardarClavesEnlazadas(SQLULEN fila) {
+        if (!paginado_) return;
+        ultimos_.resize(claves_.size());
+        for (std::size_t i = 0; i < claves_.size(); ++i) {
+            bool nulo = false;
+            const std::string s(enlazado(claves_[i].columna, fila, nulo));
+            ultimos_[i] = {nulo, clases_[claves_[i].columna] == Clase::Numero
+                                     ? s
+                                     : formula::textoSql(s, Dialecto::MariaDB)};
+        }
     }
 
     void leerFila() {
@@ -366,6 +434,14 @@ class FilasOdbc : public Filas {
     bool paginado_ = false;
     bool terminado_ = false;
     std::size_t enBloque_ = 0;
+    // Bound mode: column buffers for rowsets of kLote rows.
+    static constexpr SQLULEN kLote = 256;
+    bool enlazado_ = false;
+    std::vector<SQLLEN> anchos_;
+    std::vector<std::vector<char>> bufs_;
+    std::vector<std::vector<SQLLEN>> inds_;
+    SQLULEN lote_ = 0;
+    SQLULEN posLote_ = 0;
 };
 
 }  // namespace detail
