@@ -199,6 +199,56 @@ TEST(FilasOdbc, ErroresConContexto) {
     }
 }
 
+TEST(FilasOdbc, TablaSinClaveSeLeeEnUnBloqueYElSqlSeMuestra) {
+    BaseDeDatosDePrueba bd;
+    bd.ejecutar(
+        "CREATE TABLE sinclave (a INT, b VARCHAR(5));"
+        "INSERT INTO sinclave VALUES (3,'x'),(1,'y'),(2,NULL),(1,'z')");
+    DescripcionConsulta d;
+    d.tablas = {{"t", bd.nombre() + ".sinclave"}};
+    d.columnas = {{"t", "a"}};
+    d.seleccion = "{t.a} < 3";
+    d.orden = {"+{t.a}"};
+    Opciones o;
+    o.filasPorBloque = 1;
+    ::setenv("TZOREP_DEBUG_SQL", "1", 1);
+    ::testing::internal::CaptureStderr();
+    auto f = abrirOdbc(connect(bd), d, o);
+    std::vector<double> a;
+    while (f->siguiente()) a.push_back(f->valor(0).comoNumero());
+    const std::string err = ::testing::internal::GetCapturedStderr();
+    ::unsetenv("TZOREP_DEBUG_SQL");
+    EXPECT_EQ(a, (std::vector<double>{1, 1, 2}));
+    const std::string& ultimo = f->sqlEnviado().back();
+    EXPECT_EQ(ultimo, "SELECT `t`.`a` FROM `" + bd.nombre() +
+                          "`.`sinclave` AS `t` WHERE `t`.`a` < 3 ORDER BY `t`.`a` ASC");
+    EXPECT_NE(err.find("SQL: " + ultimo), std::string::npos);
+}
+
+// A named formula in the selection stays in memory and is asked of the caller.
+class Formulas : public formula::Contexto {
+  public:
+    Valor campo(std::string_view, std::string_view) const override { return {}; }
+    Valor formula(std::string_view n) const override {
+        return n == "Limite" ? Valor::numero(50) : Contexto::formula(n);
+    }
+};
+
+TEST(FilasOdbc, FormulasDelReporteEnLaSeleccion) {
+    BaseDeDatosDePrueba bd;
+    bd.ejecutar(kTablas);
+    Formulas externas;
+    Opciones o;
+    o.contexto = &externas;
+    auto f = abrirOdbc(
+        connect(bd),
+        consulta("{edoctacli.IdMoneda}=1 and {edoctacli.Importe} > {@Limite}", {"+{edoctacli.Id}"}),
+        o);
+    EXPECT_EQ(ids(*f), (std::vector<int>{1}));
+    EXPECT_EQ(f->seleccionEnMemoria(),
+              (std::vector<std::string>{"{edoctacli.Importe} > {@Limite}"}));
+}
+
 // The collation of the formulas against the server's, pair by pair.
 TEST(Colacion, IgualQueLaDelServidor) {
     BaseDeDatosDePrueba bd;
