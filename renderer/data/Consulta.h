@@ -12,7 +12,9 @@
 // the last row of the one before ("(k1 > v1) OR (k1 = v1 AND k2 > v2) ...", with
 // NULLs placed as the server sorts them: first ascending, last descending). A
 // table without a primary or unique key cannot be paged: its query is read in
-// one block. SQLite steps through its result and needs no paging.
+// one block. Within a block, rows come in bound rowsets of 256 (columns read as
+// text, then converted: zero dates become empty dates). SQLite steps through its
+// result and needs no paging.
 //
 // TZOREP_DEBUG_SQL=1 prints every statement sent to stderr; Filas::sqlEnviado()
 // keeps them too.

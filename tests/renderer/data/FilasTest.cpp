@@ -8,9 +8,9 @@
 #include <cstdlib>
 #include <fstream>
 
-#include "Soporte.h"
 #include "renderer/data/Consulta.h"
 #include "renderer/formula/Evaluador.h"
+#include "support/Soporte.h"
 
 namespace paratzorep::renderer::data {
 namespace {
