@@ -36,9 +36,9 @@ int main(int argc, char** argv) {
         }
         const double s =
             std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
-        std::printf("filas=%zu bloques=%zu segundos=%.3f filas/s=%.0f suma=%.2f bytes=%zu\n", n,
-                    f->sqlEnviado().size() - 1, s, n / s, suma, bytes);
-        std::printf("primer SQL: %s\n", f->sqlEnviado().at(1).c_str());
+        std::printf("filas=%zu sentencias=%zu segundos=%.3f filas/s=%.0f suma=%.2f bytes=%zu\n", n,
+                    f->sqlEnviado().size(), s, n / s, suma, bytes);
+        std::printf("último SQL: %s\n", f->sqlEnviado().back().c_str());
     } catch (const std::exception& e) {
         std::cerr << e.what() << "\n";
         return 1;

@@ -193,6 +193,8 @@ class FilasOdbc : public Filas {
                              &largo, SQL_DRIVER_NOPROMPT);
         if (!SQL_SUCCEEDED(r)) fallarOdbc(dbc_, "conectar con la base de datos del reporte");
         conectado_ = true;
+        // Text literals are written with backslash escapes; make sure they are read so.
+        consultar("SET SESSION sql_mode = REPLACE(@@sql_mode, 'NO_BACKSLASH_ESCAPES', '')");
     }
 
   public:
@@ -213,6 +215,7 @@ class FilasOdbc : public Filas {
         SQLSMALLINT n = 0;
         SQLNumResultCols(st.get(), &n);
         std::vector<std::vector<std::string>> r;
+        if (n == 0) return r;
         while (SQL_SUCCEEDED(SQLFetch(st.get()))) {
             std::vector<std::string> f;
             for (SQLSMALLINT c = 1; c <= n; ++c) {
