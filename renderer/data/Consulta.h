@@ -86,6 +86,9 @@ std::string resolverTabla(std::string_view nombre, const std::map<std::string, s
 
 struct Opciones {
     std::size_t filasPorBloque = 20000;  // rows per block over ODBC
+    // Rows per block when the first sort field leads no index: each block then
+    // makes the server sort the whole selection, so blocks are fewer and larger.
+    std::size_t filasPorBloqueSinIndice = 200000;
     // Named formulas and parameters that the remaining selection may use; the
     // row's fields come from the stream itself.
     const formula::Contexto* contexto = nullptr;

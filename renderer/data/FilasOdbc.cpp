@@ -150,7 +150,7 @@ class FilasOdbc : public Filas {
                 if (r == SQL_NO_DATA || (enlazado_ && SQL_SUCCEEDED(r) && lote_ == 0)) {
                     stmt_.reset();
                     // A short block is the last one; so is an unpaged query.
-                    if (!paginado_ || enBloque_ < opciones_.filasPorBloque) terminado_ = true;
+                    if (!paginado_ || enBloque_ < bloque_) terminado_ = true;
                     enBloque_ = 0;
                     continue;
                 }
@@ -273,7 +273,33 @@ class FilasOdbc : public Filas {
         return r;
     }
 
+    // Whether the server can read a column in order from an index (it leads one).
+    bool encabezaIndice(const RefCampo& c) {
+        const TablaConsulta* t = nullptr;
+        for (const auto& x : desc_.tablas)
+            if (mismoNombre(x.nombre, c.tabla)) t = &x;
+        if (t == nullptr) return false;
+        std::string base = "DATABASE()";
+        std::string tabla = t->origen;
+        const std::size_t punto = t->origen.find('.');
+        if (punto != std::string::npos) {
+            base = formula::textoSql(t->origen.substr(0, punto), Dialecto::MariaDB);
+            tabla = t->origen.substr(punto + 1);
+        }
+        return !consultar(
+                    "SELECT 1 FROM information_schema.STATISTICS WHERE TABLE_SCHEMA = " + base +
+                    " AND TABLE_NAME = " + formula::textoSql(tabla, Dialecto::MariaDB) +
+                    " AND COLUMN_NAME = " + formula::textoSql(c.campo, Dialecto::MariaDB) +
+                    " AND SEQ_IN_INDEX = 1 LIMIT 1")
+                    .empty();
+    }
+
     void armarClaves() {
+        // Without an index for the first sort field every block costs the server a
+        // sort of the whole selection: fewer, larger blocks then.
+        bloque_ = std::max<std::size_t>(1, opciones_.filasPorBloque);
+        if (!orden_.empty() && !encabezaIndice(orden_.front().campo))
+            bloque_ = std::max(bloque_, opciones_.filasPorBloqueSinIndice);
         columnasSql_ = columnas_;
         for (const auto& o : orden_)
             claves_.push_back({o.campo, o.descendente, agregarColumna(columnasSql_, o.campo)});
@@ -324,7 +350,7 @@ class FilasOdbc : public Filas {
                        (claves_[i].desc ? " DESC" : " ASC");
         }
         if (paginado_)
-            sql += " LIMIT " + std::to_string(opciones_.filasPorBloque);
+            sql += " LIMIT " + std::to_string(bloque_);
         else
             terminado_ = true;  // read in one go
         stmt_ =
@@ -437,6 +463,7 @@ class FilasOdbc : public Filas {
     bool paginado_ = false;
     bool terminado_ = false;
     std::size_t enBloque_ = 0;
+    std::size_t bloque_ = 0;  // rows per block
     // Bound mode: column buffers for rowsets of kLote rows.
     static constexpr SQLULEN kLote = 256;
     bool enlazado_ = false;

@@ -139,6 +139,7 @@ TEST(FilasOdbc, PaginasConservanOrdenYFilas) {
         for (std::size_t n : {1u, 2u, 3u}) {
             Opciones o;
             o.filasPorBloque = n;
+            o.filasPorBloqueSinIndice = n;
             auto f = abrirOdbc(cs, consulta("", {orden}), o);
             EXPECT_EQ(ids(*f), esperado) << "bloques de " << n;
             // information_schema look-ups, then one statement per block plus the empty tail
@@ -148,11 +149,26 @@ TEST(FilasOdbc, PaginasConservanOrdenYFilas) {
     }
 }
 
+TEST(FilasOdbc, BloquesMayoresSiElOrdenNoTieneIndice) {
+    BaseDeDatosDePrueba bd;
+    bd.ejecutar(kTablas);
+    Opciones o;
+    o.filasPorBloque = 2;
+    o.filasPorBloqueSinIndice = 500;
+    auto conIndice = abrirOdbc(connect(bd), consulta("", {"-{edoctacli.Id}"}), o);
+    EXPECT_EQ(ids(*conIndice), (std::vector<int>{8, 7, 6, 5, 4, 3, 2, 1}));
+    EXPECT_NE(conIndice->sqlEnviado().back().find(" LIMIT 2"), std::string::npos);
+    auto sinIndice = abrirOdbc(connect(bd), consulta("", {"+{edoctacli.Importe}"}), o);
+    EXPECT_EQ(ids(*sinIndice).size(), 8u);
+    EXPECT_NE(sinIndice->sqlEnviado().back().find(" LIMIT 500"), std::string::npos);
+}
+
 TEST(FilasOdbc, OrdenComoElDelEvaluador) {
     BaseDeDatosDePrueba bd;
     bd.ejecutar(kTablas);
     Opciones o;
     o.filasPorBloque = 2;
+    o.filasPorBloqueSinIndice = 2;
     auto f = abrirOdbc(connect(bd), consulta("", {"+{edoctacli.Concepto}"}), o);
     const int c = f->indice("edoctacli", "Concepto");
     std::vector<Valor> vistos;
@@ -211,6 +227,7 @@ TEST(FilasOdbc, TablaSinClaveSeLeeEnUnBloqueYElSqlSeMuestra) {
     d.orden = {"+{t.a}"};
     Opciones o;
     o.filasPorBloque = 1;
+    o.filasPorBloqueSinIndice = 1;
     ::setenv("TZOREP_DEBUG_SQL", "1", 1);
     ::testing::internal::CaptureStderr();
     auto f = abrirOdbc(connect(bd), d, o);
