@@ -21,6 +21,12 @@ bool IgualSinMayusculas(std::string_view a, std::string_view b) {
     return true;
 }
 
+std::string Minusculas(std::string_view s) {
+    std::string r(s);
+    for (auto& c : r) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return r;
+}
+
 std::string_view Recorta(std::string_view s) {
     while (!s.empty() && std::isspace(static_cast<unsigned char>(s.front()))) s.remove_prefix(1);
     while (!s.empty() && std::isspace(static_cast<unsigned char>(s.back()))) s.remove_suffix(1);
@@ -108,6 +114,9 @@ bool Valor::Booleano() const {
 void Recordset::Abre(std::vector<Columna> columnas, std::vector<std::vector<Valor>> filas,
                      std::string fuente, std::string tabla, std::weak_ptr<ConexionBdD> cn) {
     columnas_ = std::move(columnas);
+    indice_.clear();
+    for (std::size_t i = 0; i < columnas_.size(); ++i)
+        indice_.emplace(detail::Minusculas(columnas_[i].nombre), i);
     filas_ = std::move(filas);
     originales_ = filas_;
     estado_.assign(filas_.size(), EstadoFila::Leida);
@@ -120,6 +129,7 @@ void Recordset::Abre(std::vector<Columna> columnas, std::vector<std::vector<Valo
 
 void Recordset::Cierra() {
     columnas_.clear();
+    indice_.clear();
     filas_.clear();
     originales_.clear();
     estado_.clear();
@@ -147,9 +157,7 @@ void Recordset::Posiciona(std::int32_t fila) {
 }
 
 std::optional<std::size_t> Recordset::IndiceDe(std::string_view nombre) const {
-    for (std::size_t i = 0; i < columnas_.size(); ++i) {
-        if (detail::IgualSinMayusculas(columnas_[i].nombre, nombre)) return i;
-    }
+    if (auto it = indice_.find(detail::Minusculas(nombre)); it != indice_.end()) return it->second;
     // A qualified name ("tabla.campo") also finds the column by its bare name.
     if (auto punto = nombre.rfind('.'); punto != std::string_view::npos)
         return IndiceDe(nombre.substr(punto + 1));

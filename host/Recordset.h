@@ -10,6 +10,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace paratzorep::host {
@@ -138,6 +139,8 @@ class Recordset {
     void ExigeFilaActual() const;
 
     std::vector<Columna> columnas_;
+    // Lower-case column name -> first column of that name.
+    std::unordered_map<std::string, std::size_t> indice_;
     std::vector<std::vector<Valor>> filas_;
     std::vector<std::vector<Valor>> originales_;
     std::vector<EstadoFila> estado_;

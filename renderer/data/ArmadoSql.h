@@ -12,10 +12,12 @@ namespace paratzorep::renderer::data::detail {
 // A table name as the dialect writes it: "db.table" -> `db`.`table`.
 std::string tablaSql(const std::string& origen, formula::Dialecto d);
 
-// "SELECT <columns> FROM <tables and joins>" for the given columns.
+// "SELECT <columns> FROM <tables and joins>" for the given columns; a non-empty
+// entry of `expresiones` replaces the column at its position.
 std::string seleccionarDesde(const DescripcionConsulta& d,
                              const std::vector<formula::RefCampo>& columnas,
-                             formula::Dialecto dialecto);
+                             formula::Dialecto dialecto,
+                             const std::vector<std::string>& expresiones = {});
 
 // Adds c to v unless it is there already (names without regard to letter case).
 int agregarColumna(std::vector<formula::RefCampo>& v, const formula::RefCampo& c);

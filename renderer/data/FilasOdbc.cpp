@@ -123,6 +123,7 @@ struct Clave {
     RefCampo campo;
     bool desc = false;
     int columna = 0;
+    std::string expr;  // how the key is compared and sorted in SQL
 };
 
 class FilasOdbc : public Filas {
@@ -134,7 +135,7 @@ class FilasOdbc : public Filas {
         resto_ = t.resto;
         conectar(connect);
         armarClaves();
-        base_ = seleccionarDesde(desc_, columnasSql_, Dialecto::MariaDB);
+        base_ = seleccionarDesde(desc_, columnasSql_, Dialecto::MariaDB, expresiones_);
     }
 
     bool siguiente() override {
@@ -251,19 +252,41 @@ class FilasOdbc : public Filas {
         return r;
     }
 
-    // The unique key of a table: its primary key, else its first unique index.
-    std::vector<std::string> claveUnica(const TablaConsulta& t) {
+    // "TABLE_SCHEMA = ... AND TABLE_NAME = ..." for a table of the query: its own
+    // database when the origin names one, else the connection's.
+    static std::string tablaEnCatalogo(const TablaConsulta& t) {
         std::string base = "DATABASE()";
         std::string tabla = t.origen;
-        const std::size_t punto = t.origen.find('.');
-        if (punto != std::string::npos) {
+        if (const std::size_t punto = t.origen.find('.'); punto != std::string::npos) {
             base = formula::textoSql(t.origen.substr(0, punto), Dialecto::MariaDB);
             tabla = t.origen.substr(punto + 1);
         }
+        return "TABLE_SCHEMA = " + base +
+               " AND TABLE_NAME = " + formula::textoSql(tabla, Dialecto::MariaDB);
+    }
+
+    const TablaConsulta* tablaDe(const RefCampo& c) const {
+        for (const auto& t : desc_.tablas)
+            if (mismoNombre(t.nombre, c.tabla)) return &t;
+        return nullptr;
+    }
+
+    // Whether information_schema.<vista> has a row for the column c and `condicion`.
+    bool catalogoTiene(const char* vista, const RefCampo& c, const std::string& condicion) {
+        const TablaConsulta* t = tablaDe(c);
+        if (t == nullptr) return false;
+        return !consultar(std::string("SELECT 1 FROM information_schema.") + vista + " WHERE " +
+                          tablaEnCatalogo(*t) +
+                          " AND COLUMN_NAME = " + formula::textoSql(c.campo, Dialecto::MariaDB) +
+                          " AND " + condicion + " LIMIT 1")
+                    .empty();
+    }
+
+    // The unique key of a table: its primary key, else its first unique index.
+    std::vector<std::string> claveUnica(const TablaConsulta& t) {
         const auto filas = consultar(
-            "SELECT INDEX_NAME, COLUMN_NAME FROM information_schema.STATISTICS WHERE "
-            "TABLE_SCHEMA = " +
-            base + " AND TABLE_NAME = " + formula::textoSql(tabla, Dialecto::MariaDB) +
+            "SELECT INDEX_NAME, COLUMN_NAME FROM information_schema.STATISTICS WHERE " +
+            tablaEnCatalogo(t) +
             " AND NON_UNIQUE = 0 ORDER BY INDEX_NAME <> 'PRIMARY', INDEX_NAME, SEQ_IN_INDEX");
         std::vector<std::string> r;
         for (const auto& f : filas) {
@@ -275,24 +298,10 @@ class FilasOdbc : public Filas {
 
     // Whether the server can read a column in order from an index (it leads one).
     bool encabezaIndice(const RefCampo& c) {
-        const TablaConsulta* t = nullptr;
-        for (const auto& x : desc_.tablas)
-            if (mismoNombre(x.nombre, c.tabla)) t = &x;
-        if (t == nullptr) return false;
-        std::string base = "DATABASE()";
-        std::string tabla = t->origen;
-        const std::size_t punto = t->origen.find('.');
-        if (punto != std::string::npos) {
-            base = formula::textoSql(t->origen.substr(0, punto), Dialecto::MariaDB);
-            tabla = t->origen.substr(punto + 1);
-        }
-        return !consultar(
-                    "SELECT 1 FROM information_schema.STATISTICS WHERE TABLE_SCHEMA = " + base +
-                    " AND TABLE_NAME = " + formula::textoSql(tabla, Dialecto::MariaDB) +
-                    " AND COLUMN_NAME = " + formula::textoSql(c.campo, Dialecto::MariaDB) +
-                    " AND SEQ_IN_INDEX = 1 LIMIT 1")
-                    .empty();
+        return catalogoTiene("STATISTICS", c, "SEQ_IN_INDEX = 1");
     }
+
+    bool esFloat(const RefCampo& c) { return catalogoTiene("COLUMNS", c, "DATA_TYPE = 'float'"); }
 
     void armarClaves() {
         // Without an index for the first sort field every block costs the server a
@@ -301,15 +310,29 @@ class FilasOdbc : public Filas {
         if (!orden_.empty() && !encabezaIndice(orden_.front().campo))
             bloque_ = std::max(bloque_, opciones_.filasPorBloqueSinIndice);
         columnasSql_ = columnas_;
-        for (const auto& o : orden_)
-            claves_.push_back({o.campo, o.descendente, agregarColumna(columnasSql_, o.campo)});
+        for (const auto& o : orden_) {
+            int columna = agregarColumna(columnasSql_, o.campo);
+            std::string expr = formula::columnaSql(o.campo, Dialecto::MariaDB);
+            // A FLOAT comes as text with 6 digits, not enough to find the row again:
+            // its key is read a second time, compared and sorted as the exact DOUBLE
+            // it widens to.
+            if (esFloat(o.campo)) {
+                expr = "CAST(" + expr + " AS DOUBLE)";
+                columnasSql_.push_back(o.campo);
+                columna = static_cast<int>(columnasSql_.size() - 1);
+                expresiones_.resize(columnasSql_.size());
+                expresiones_[columna] = expr;
+            }
+            claves_.push_back({o.campo, o.descendente, columna, expr});
+        }
         paginado_ = true;
         for (const auto& t : desc_.tablas) {
             const auto k = claveUnica(t);
             if (k.empty()) paginado_ = false;
             for (const auto& c : k) {
                 RefCampo rc{t.nombre, c};
-                claves_.push_back({rc, false, agregarColumna(columnasSql_, rc)});
+                claves_.push_back({rc, false, agregarColumna(columnasSql_, rc),
+                                   formula::columnaSql(rc, Dialecto::MariaDB)});
             }
         }
         // The columns the caller sees come first; the key columns follow.
@@ -320,7 +343,7 @@ class FilasOdbc : public Filas {
     std::string despuesDe(std::size_t i) const {
         if (i >= claves_.size()) return "FALSE";
         const Clave& k = claves_[i];
-        const std::string col = formula::columnaSql(k.campo, Dialecto::MariaDB);
+        const std::string& col = k.expr;
         const auto& [nulo, lit] = ultimos_[i];
         const std::string resto = despuesDe(i + 1);
         if (nulo) {
@@ -339,6 +362,11 @@ class FilasOdbc : public Filas {
         std::string sql = base_;
         std::string where = donde_;
         if (paginado_ && !ultimos_.empty()) {
+            // A block that ends on the keys it started after would be read forever.
+            if (ultimos_ == inicioBloque_)
+                throw ErrorDatos("leer los datos del reporte",
+                                 "la lectura por bloques no avanza (claves repetidas)");
+            inicioBloque_ = ultimos_;
             const std::string k = despuesDe(0);
             where = where.empty() ? k : "(" + where + ") AND " + k;
         }
@@ -346,8 +374,7 @@ class FilasOdbc : public Filas {
         if (!claves_.empty()) {
             sql += " ORDER BY ";
             for (std::size_t i = 0; i < claves_.size(); ++i)
-                sql += (i ? ", " : "") + formula::columnaSql(claves_[i].campo, Dialecto::MariaDB) +
-                       (claves_[i].desc ? " DESC" : " ASC");
+                sql += (i ? ", " : "") + claves_[i].expr + (claves_[i].desc ? " DESC" : " ASC");
         }
         if (paginado_)
             sql += " LIMIT " + std::to_string(bloque_);
@@ -457,9 +484,11 @@ class FilasOdbc : public Filas {
     std::string donde_;
     std::string base_;
     std::vector<RefCampo> columnasSql_;
+    std::vector<std::string> expresiones_;  // select expressions replacing columns
     std::vector<Clave> claves_;
     std::vector<Clase> clases_;
-    std::vector<std::pair<bool, std::string>> ultimos_;  // last row's keys: (null, literal)
+    std::vector<std::pair<bool, std::string>> ultimos_;       // last row's keys: (null, literal)
+    std::vector<std::pair<bool, std::string>> inicioBloque_;  // keys the current block follows
     bool paginado_ = false;
     bool terminado_ = false;
     std::size_t enBloque_ = 0;

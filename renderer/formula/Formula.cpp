@@ -691,19 +691,11 @@ std::string citar(const std::string& s) {
 }
 
 std::string numeroTexto(double v) {
-    char buf[64];
-    // Literals are never negative and carry no exponent in the language.
-    std::snprintf(buf, sizeof buf, "%.17g", v);
-    std::string s = buf;
-    if (s.find_first_of("eE") != std::string::npos) {
-        std::snprintf(buf, sizeof buf, "%.20f", v);
-        s = buf;
-        if (s.find('.') != std::string::npos) {
-            while (s.back() == '0') s.pop_back();
-            if (s.back() == '.') s.pop_back();
-        }
-    }
-    return s;
+    // Literals are never negative and carry no exponent in the language: the
+    // shortest fixed notation that reads back as the same number.
+    char buf[400];
+    auto [p, ec] = std::to_chars(buf, buf + sizeof buf, v, std::chars_format::fixed);
+    return ec == std::errc() ? std::string(buf, p) : "0";
 }
 
 }  // namespace

@@ -163,6 +163,22 @@ TEST(FilasOdbc, BloquesMayoresSiElOrdenNoTieneIndice) {
     EXPECT_NE(sinIndice->sqlEnviado().back().find(" LIMIT 500"), std::string::npos);
 }
 
+TEST(FilasOdbc, ClaveFloatEntreBloques) {
+    BaseDeDatosDePrueba bd;
+    bd.ejecutar(
+        "CREATE TABLE flt (Id INT PRIMARY KEY, f FLOAT);"
+        "INSERT INTO flt VALUES (1,1.2345678),(2,1.2345678),(3,1.2345678),(4,0.5)");
+    DescripcionConsulta d;
+    d.tablas = {{"edoctacli", "flt"}};
+    d.columnas = {{"edoctacli", "Id"}};
+    d.orden = {"-{edoctacli.f}"};
+    Opciones o;
+    o.filasPorBloque = 1;
+    o.filasPorBloqueSinIndice = 1;
+    auto f = abrirOdbc(connect(bd), d, o);
+    EXPECT_EQ(ids(*f), (std::vector<int>{1, 2, 3, 4}));
+}
+
 TEST(FilasOdbc, OrdenComoElDelEvaluador) {
     BaseDeDatosDePrueba bd;
     bd.ejecutar(kTablas);
