@@ -1,13 +1,17 @@
 #!/bin/bash
-# Data path benchmark, by hand: streams a 1M-row selection with a pushed-down
-# formula through the renderer (ODBC in keyset-paged blocks) beside the same SQL
-# run by `mariadb --no-defaults --quick` into /dev/null; peak memory with
-# /usr/bin/time -v.
-#   bench/datos/correr.sh HOME_DEL_SERVIDOR [FILAS]
-# The server of the tzorep home must be running (tzorep --home HOME db start).
+# Data path benchmark, by hand: streams a selection of about a million rows with a
+# pushed-down formula out of the demo company's warehouse history
+# (datos1.historicoalmacen) through the renderer's data path (ODBC in keyset-paged
+# blocks), beside the same SQL run by `mariadb --no-defaults --quick` into /dev/null,
+# in one run; elapsed time and peak memory of each with /usr/bin/time -v.
+#   bench/datos/correr.sh HOME_DEL_SERVIDOR
+# The server of the tzorep home must be running with a demo company loaded
+# (tzorep --home HOME db start; tzorep --home HOME db demo --scale N). The warehouse
+# history has about 74,000 rows per unit of scale: scale 14 gives just over a million.
+# BLOQUES (rows per block, default "20000 50000") and ORDEN (sort field, default
+# "+{historicoalmacen.Fecha}") can be set in the environment.
 set -euo pipefail
 home=${1:?home folder of a running private server}
-filas=${2:-1000000}
 src=$(cd "$(dirname "$0")/../.." && pwd)
 out=${TMPDIR:-/tmp}/bench-datos
 mkdir -p "$out"
@@ -24,35 +28,32 @@ echo "== building (optimised) =="
 g++ -std=c++20 -O2 -DNDEBUG -I"$src" "$src/bench/datos/BenchDatos.cpp" "$src/renderer/Valor.cpp" \
     "$src"/renderer/formula/*.cpp "$src"/renderer/data/*.cpp -lodbc -lsqlite3 -o "$out/bench_datos"
 
-echo "== data: $filas rows in benchdatos.mov =="
-"${cli[@]}" -e "CREATE DATABASE IF NOT EXISTS benchdatos"
-if [ "$("${cli[@]}" -N -e "SELECT COUNT(*) FROM benchdatos.mov" 2>/dev/null || echo 0)" != "$filas" ]; then
-    "${cli[@]}" benchdatos -e "
-      DROP TABLE IF EXISTS mov;
-      CREATE TABLE mov (Id INT PRIMARY KEY, Clave VARCHAR(10), Fecha DATE, Concepto VARCHAR(60),
-                        Importe DECIMAL(12,2), IdMoneda INT, Usuario VARCHAR(20), KEY (Fecha))
-                        DEFAULT CHARSET=utf8mb4;
-      INSERT INTO mov SELECT seq, CONCAT('C', LPAD(seq MOD 5000, 4, '0')),
-             DATE'2020-01-01' + INTERVAL (seq MOD 1800) DAY,
-             CASE seq MOD 10 WHEN 0 THEN 'BONIFICACION POR CANCELACION F-1'
-                             ELSE CONCAT('Cargo por factura ', seq) END,
-             (seq MOD 100000) / 100, 1 + (seq MOD 20 = 0), 'USUARIO'
-      FROM seq_1_to_$filas;"
-fi
+total=$("${cli[@]}" -N -e "SELECT COUNT(*) FROM datos1.historicoalmacen")
+echo "== datos1.historicoalmacen: $total rows =="
 
 printf '[myodbc3-test]\nDriver=/usr/lib/x86_64-linux-gnu/odbc/libmaodbc.so\nSERVER=127.0.0.1\nPORT=%s\n' \
     "$port" > "$out/odbc.ini"
-connect="DSN=myodbc3-test;SERVER=127.0.0.1;DB=benchdatos;UID=$user;PWD=$pass"
-formula="{edoctacli.IdMoneda}=1 and {edoctacli.Fecha}>=Date(2020,1,1) and not ('BONIFICACION POR CANCELACION' in {edoctacli.Concepto})"
-sql="SELECT \`edoctacli\`.\`Id\`, \`edoctacli\`.\`Clave\`, \`edoctacli\`.\`Fecha\`, \`edoctacli\`.\`Concepto\`, \`edoctacli\`.\`Importe\`, \`edoctacli\`.\`IdMoneda\`, \`edoctacli\`.\`Usuario\` FROM \`mov\` AS \`edoctacli\` WHERE \`edoctacli\`.\`IdMoneda\` = 1 AND \`edoctacli\`.\`Fecha\` >= DATE'2020-01-01' AND NOT (LOCATE(_utf8mb4'BONIFICACION POR CANCELACION' COLLATE utf8mb4_general_ci, \`edoctacli\`.\`Concepto\`) > 0) ORDER BY \`edoctacli\`.\`Id\` ASC"
+connect="DSN=myodbc3-test;SERVER=127.0.0.1;DB=datos1;UID=$user;PWD=$pass"
+campos="Id,Producto,Fecha,Movimiento,Documento,Sucursal,Cantidad,Costo,Usuario"
+formula="{historicoalmacen.Fecha} >= Date(2024,11,1) and not ('CANCELACION' in {historicoalmacen.Movimiento}) and {historicoalmacen.Cantidad} <> 0"
+orden=${ORDEN:-+{historicoalmacen.Fecha\}}
 
+# The client's first read warms the server's buffer pool, so that neither side pays for it.
+"${cli[@]}" --quick -N -e "SELECT * FROM datos1.historicoalmacen" > /dev/null
+
+sql=""
 for bloque in ${BLOQUES:-20000 50000}; do
     echo "== renderer data path, blocks of $bloque =="
-    ODBCINI="$out/odbc.ini" /usr/bin/time -v "$out/bench_datos" "$connect" mov "$formula" "$bloque" \
+    ODBCINI="$out/odbc.ini" /usr/bin/time -v "$out/bench_datos" "$connect" datos1.historicoalmacen \
+        "$campos" "$formula" "$bloque" "$orden" > "$out/renderer-$bloque.txt" \
         2> "$out/time-renderer-$bloque.txt"
+    grep -v "^primer SQL" "$out/renderer-$bloque.txt"
     grep -E "Elapsed|Maximum resident" "$out/time-renderer-$bloque.txt"
+    # The whole selection in one statement: the first block's, without its LIMIT.
+    sql=$(sed -n 's/^primer SQL: //p' "$out/renderer-$bloque.txt" | sed 's/ LIMIT [0-9]*$//')
 done
 
 echo "== mariadb --quick, same SQL =="
-/usr/bin/time -v "${cli[@]}" --quick -N benchdatos -e "$sql" > /dev/null 2> "$out/time-mariadb.txt"
+echo "$sql"
+/usr/bin/time -v "${cli[@]}" --quick -N datos1 -e "$sql" > /dev/null 2> "$out/time-mariadb.txt"
 grep -E "Elapsed|Maximum resident" "$out/time-mariadb.txt"

@@ -597,40 +597,54 @@ struct Maquetador::Impl {
     void EncabezadosDesde(int nivel, const std::vector<Valor>& anteriores,
                           const std::vector<Valor>& actual, bool primera) {
         const int niveles = static_cast<int>(slotGrupo.size());
+        bool paginaNueva = false;
         for (int k = nivel; k <= niveles; ++k) {
-            const auto& g = p.grupos[static_cast<std::size_t>(k - 1)];
             for (auto& a : acumuladores)
                 if (a.Ambito().tipo == AmbitoResumen::Tipo::Grupo && a.Ambito().nivel == k)
                     a.Reinicia();
-            if (g.paginaNueva && contenido) {
-                CierraPagina(primera ? actual : anteriores);
-                AbrePagina(actual);
+            paginaNueva = paginaNueva || p.grupos[static_cast<std::size_t>(k - 1)].paginaNueva;
+        }
+        // Every level from `nivel` down starts a new group here: the page breaks once,
+        // before the outermost header, so that no header is left behind on the old page.
+        if (paginaNueva && contenido) {
+            CierraPagina(primera ? actual : anteriores);
+            AbrePagina(actual);
+        }
+        // Keep-together of the outermost level that can keep its group on one page,
+        // counting the headers of the levels above it that print with it.
+        double encima = 0;
+        for (int k = nivel; k <= niveles; ++k) {
+            if (p.grupos[static_cast<std::size_t>(k - 1)].juntos) {
+                double alto = encima + AltoGrupo(k, actual);
+                if (alto <= AltoCuerpoPagina()) {
+                    Asegura(alto, anteriores, actual);
+                    break;
+                }
             }
-            if (g.juntos) {
-                double alto = AltoGrupo(k, actual);
-                if (alto <= AltoCuerpoPagina()) Asegura(alto, anteriores, actual);
-            }
-            // A group header never stays alone at the foot of a page: it goes with the
-            // headers below it and the first detail.
-            double conPrimera = 0;
-            for (int j = k; j <= niveles; ++j) {
-                Prepara(encGrupo[static_cast<std::size_t>(j - 1)], actual, bp);
-                if (!bp.suprimida) conPrimera += bp.alto;
-            }
-            conPrimera += AltoDetalle(actual);
-            Asegura(conPrimera, anteriores, actual);
+            encima += MedidaFija(encGrupo[static_cast<std::size_t>(k - 1)]);
+        }
+        // A group header never stays alone at the foot of a page: it goes with the
+        // headers below it and the first detail.
+        double conPrimera = 0;
+        for (int k = nivel; k <= niveles; ++k) {
+            Prepara(encGrupo[static_cast<std::size_t>(k - 1)], actual, bp);
+            if (!bp.suprimida) conPrimera += bp.alto;
+        }
+        conPrimera += AltoDetalle(actual);
+        Asegura(conPrimera, anteriores, actual);
+        for (int k = nivel; k <= niveles; ++k) {
             Prepara(encGrupo[static_cast<std::size_t>(k - 1)], actual, bp);
             if (!bp.suprimida) ColocaCuerpo(bp);
         }
     }
 
-    void PiesHasta(int nivel, const std::vector<Valor>& anteriores,
-                   const std::vector<Valor>& siguiente) {
+    void PiesHasta(int nivel, const std::vector<Valor>& anteriores) {
         for (int k = static_cast<int>(slotGrupo.size()); k >= nivel; --k) {
             Prepara(pieGrupo[static_cast<std::size_t>(k - 1)], anteriores, bp);
             if (bp.suprimida) continue;
-            Asegura(bp.alto, anteriores, siguiente);
-            // The page may have changed: page summaries are not part of a group footer.
+            // A footer that does not fit goes to the next page, which still belongs to
+            // the group that ends: its page header shows that group's values.
+            Asegura(bp.alto, anteriores, anteriores);
             ColocaCuerpo(bp);
         }
     }
@@ -697,11 +711,11 @@ struct Maquetador::Impl {
             actual.resize(referencias.size());
             int cambio = NivelCambio(anterior, actual);
             if (cambio > 0) {
-                PiesHasta(cambio, anterior, actual);
+                PiesHasta(cambio, anterior);
                 EncabezadosDesde(cambio, anterior, actual, false);
             }
         }
-        PiesHasta(1, anterior, anterior);
+        PiesHasta(1, anterior);
         Prepara(pieRep, anterior, bp);
         if (!bp.suprimida) {
             Asegura(bp.alto, anterior, anterior);

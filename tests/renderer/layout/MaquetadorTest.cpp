@@ -211,6 +211,119 @@ TEST(Maquetador, CampoQueCreceParteElTextoYEmpujaLaBanda) {
     EXPECT_NEAR(segundo->y, largo->y + largo->alto, 0.01);
 }
 
+struct CasoPieDeGrupo {
+    int filas;         // rows of the single group
+    int paginaDelPie;  // 0-based page that holds the group footer
+    double yDelPie;    // its top
+};
+
+class PieDeGrupoTest : public ::testing::TestWithParam<CasoPieDeGrupo> {};
+
+// The body holds 14 bands of 10 pt from y=30: header + rows + footer either fit, or the
+// footer moves to the next page; it never reaches into the page footer.
+TEST_P(PieDeGrupoTest, ElPieDeGrupoNoInvadeElPieDePagina) {
+    const auto& c = GetParam();
+    std::string xml = Plantilla10(kDetalle10, Grupo(""));
+    xml.insert(
+        xml.find("<grupo"),
+        R"(<pieReporte alto="10"><texto x="0" y="0" ancho="100" alto="10">Fin</texto></pieReporte>)");
+    FuentePrueba f(kColumnas, Filas(c.filas));
+    auto r = Maqueta(xml, f);
+    ASSERT_GT(static_cast<int>(r.paginas.size()), c.paginaDelPie);
+    const ElementoTexto* pie = Busca(r.paginas[static_cast<std::size_t>(c.paginaDelPie)], "Total");
+    ASSERT_NE(pie, nullptr);
+    EXPECT_NEAR(pie->y, c.yDelPie, 0.01);
+    for (const auto& p : r.paginas)
+        for (const auto& t : p.textos)
+            if (t.tipoBanda != TipoBanda::PiePagina) {
+                EXPECT_LE(t.y + t.alto, 170.001) << p.numero;
+            }
+    EXPECT_TRUE(Contiene(r.paginas.back(), "Fin"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Casos, PieDeGrupoTest,
+                         ::testing::Values(CasoPieDeGrupo{11, 0, 150}, CasoPieDeGrupo{12, 0, 160},
+                                           CasoPieDeGrupo{13, 1, 30}, CasoPieDeGrupo{25, 1, 150},
+                                           CasoPieDeGrupo{26, 1, 160}, CasoPieDeGrupo{27, 2, 30}));
+
+// Two levels: t.grupo (outer, header only) and t.sub (inner, header and footer).
+std::string DosNiveles(const std::string& atributosInterior) {
+    return R"(<grupo campo="t.grupo">
+  <encabezado alto="10"><campo ref="t.grupo" x="0" y="0" ancho="100" alto="10"/></encabezado>
+</grupo>
+<grupo campo="t.sub" )" +
+           atributosInterior + R"(>
+  <encabezado alto="10"><campo ref="t.sub" x="10" y="0" ancho="100" alto="10"/></encabezado>
+  <pie alto="10"><texto x="0" y="0" ancho="100" alto="10">Subtotal</texto></pie>
+</grupo>)";
+}
+
+// Rows given as (outer group, inner group) per row.
+std::vector<std::vector<Valor>> FilasDosNiveles(
+    const std::vector<std::pair<std::string, std::string>>& grupos) {
+    std::vector<std::vector<Valor>> f;
+    int i = 0;
+    for (const auto& [g, s] : grupos) {
+        ++i;
+        f.push_back({Valor::texto("fila " + std::to_string(i)), Valor::numero(i), Valor::texto(g),
+                     Valor::texto(s)});
+    }
+    return f;
+}
+
+const std::vector<std::string> kColumnasDosNiveles = {"t.nombre", "t.monto", "t.grupo", "t.sub"};
+
+// Whenever an outer header is on a page, the first inner header of that group is too.
+void EncabezadoExteriorConSuInterior(const std::vector<Pagina>& paginas, const std::string& g,
+                                     const std::string& s) {
+    for (const auto& p : paginas)
+        if (Contiene(p, g)) {
+            EXPECT_TRUE(Contiene(p, s)) << g << " sin " << s << " en página " << p.numero;
+        }
+}
+
+TEST(Maquetador, PaginaNuevaDelGrupoInteriorNoDejaSoloAlExterior) {
+    auto filas = FilasDosNiveles(
+        {{"G1", "S1"}, {"G1", "S1"}, {"G1", "S2"}, {"G1", "S2"}, {"G2", "S3"}, {"G2", "S3"}});
+    FuentePrueba f(kColumnasDosNiveles, filas);
+    auto r = Maqueta(Plantilla10(kDetalle10, DosNiveles("paginaNueva=\"si\"")), f);
+    ASSERT_EQ(r.paginas.size(), 3u);
+    EXPECT_TRUE(Contiene(r.paginas[0], "S1"));
+    EXPECT_TRUE(Contiene(r.paginas[1], "S2"));
+    EXPECT_FALSE(Contiene(r.paginas[1], "G2"));
+    EXPECT_TRUE(Contiene(r.paginas[2], "G2"));
+    EncabezadoExteriorConSuInterior(r.paginas, "G2", "S3");
+}
+
+TEST(Maquetador, MantenerJuntoInteriorLlevaConsigoAlEncabezadoExterior) {
+    // G1/S1: 1 + 1 + 7 + 1 = 10 bands, 4 left. G2/S2 with 5 rows needs 1 + 7 = 8 bands:
+    // the whole of it, the outer header included, goes to page 2.
+    std::vector<std::pair<std::string, std::string>> g(7, {"G1", "S1"});
+    for (int i = 0; i < 5; ++i) g.push_back({"G2", "S2"});
+    FuentePrueba f(kColumnasDosNiveles, FilasDosNiveles(g));
+    auto r = Maqueta(Plantilla10(kDetalle10, DosNiveles("juntos=\"si\"")), f);
+    ASSERT_EQ(r.paginas.size(), 2u);
+    EXPECT_FALSE(Contiene(r.paginas[0], "G2"));
+    EXPECT_TRUE(Contiene(r.paginas[1], "G2"));
+    EncabezadoExteriorConSuInterior(r.paginas, "G2", "S2");
+    EXPECT_EQ(r.filas, 12);
+}
+
+TEST(Maquetador, SinFilasNiTextoPropioImprimeElAvisoPorOmision) {
+    FuentePrueba f(kColumnas, {});
+    auto r = Maqueta(
+        Plantilla10(
+            kDetalle10,
+            Grupo("") +
+                R"(<pieReporte alto="10"><texto x="0" y="0" ancho="100">Fin</texto></pieReporte>)"),
+        f);
+    ASSERT_EQ(r.paginas.size(), 1u);
+    EXPECT_TRUE(Contiene(r.paginas[0], "No hay información para este reporte"));
+    EXPECT_TRUE(Contiene(r.paginas[0], "Fin"));
+    EXPECT_FALSE(Contiene(r.paginas[0], "Total"));  // no group, no group footer
+    EXPECT_EQ(r.filas, 0);
+}
+
 TEST(Maquetador, ResumenesPorGrupoReportePaginaYAcumulados) {
     const char* detalle =
         R"(<detalle alto="10"><campo ref="t.nombre" x="0" y="0" ancho="60" alto="10"/>
