@@ -40,7 +40,7 @@ void InteraccionConsola::Progreso(int, const std::string&) {}
 
 void InteraccionConsola::TextoEstado(const std::string&) {}
 
-bool InteraccionConsola::Dialogo(reports::Formulario&) {
+bool InteraccionConsola::Dialogo(Formulario&) {
     return true;
 }
 
@@ -61,7 +61,7 @@ void InteraccionGrabada::Progreso(int porcentaje, const std::string& texto) {
     progresos.emplace_back(porcentaje, texto);
 }
 
-bool InteraccionGrabada::Dialogo(reports::Formulario& forma) {
+bool InteraccionGrabada::Dialogo(Formulario& forma) {
     dialogos.push_back(&forma);
     if (respuestasDialogo.empty()) return true;
     bool r = respuestasDialogo.front();

@@ -9,11 +9,9 @@
 #include <string>
 #include <vector>
 
-namespace paratzorep::reports {
-class Formulario;
-}  // namespace paratzorep::reports
-
 namespace paratzorep::host {
+
+class Formulario;
 
 enum class Icono { Informacion, Exclamacion, Critico, Pregunta };
 enum class Botones { Aceptar, AceptarCancelar, SiNo, SiNoCancelar };
@@ -34,7 +32,7 @@ class Interaccion {
     // The status line's text.
     virtual void TextoEstado(const std::string& texto) = 0;
     // Shows a form modally; true when the user accepted it.
-    virtual bool Dialogo(reports::Formulario& forma) = 0;
+    virtual bool Dialogo(Formulario& forma) = 0;
     // Lets the user choose a folder, starting at `inicial`; "" when the user cancelled.
     virtual std::string EligeCarpeta(const std::string& titulo, const std::string& inicial) = 0;
     // Gives the host's message loop a turn (DoEvents) during long fills.
@@ -50,7 +48,7 @@ class InteraccionConsola : public Interaccion {
     void Beep() override;
     void Progreso(int porcentaje, const std::string& texto) override;
     void TextoEstado(const std::string& texto) override;
-    bool Dialogo(reports::Formulario& forma) override;
+    bool Dialogo(Formulario& forma) override;
     std::string EligeCarpeta(const std::string& titulo, const std::string& inicial) override;
 };
 
@@ -70,7 +68,7 @@ class InteraccionGrabada : public Interaccion {
     void Beep() override { ++beeps; }
     void Progreso(int porcentaje, const std::string& texto) override;
     void TextoEstado(const std::string& texto) override { estados.push_back(texto); }
-    bool Dialogo(reports::Formulario& forma) override;
+    bool Dialogo(Formulario& forma) override;
     std::string EligeCarpeta(const std::string& titulo, const std::string& inicial) override;
 
     // Forgets what was recorded (answer queues stay).
@@ -80,7 +78,7 @@ class InteraccionGrabada : public Interaccion {
     int beeps = 0;
     std::vector<std::pair<int, std::string>> progresos;
     std::vector<std::string> estados;
-    std::vector<reports::Formulario*> dialogos;
+    std::vector<Formulario*> dialogos;
     std::deque<Respuesta> respuestas;
     std::deque<bool> respuestasDialogo;
     std::deque<std::string> carpetas;

@@ -7,11 +7,9 @@
 #include <string>
 #include <vector>
 
-namespace paratzorep::reports {
-class Formulario;
-}  // namespace paratzorep::reports
-
 namespace paratzorep::host {
+
+class Formulario;
 
 // A host timer: the tag text it carries and whether it runs.
 struct Temporizador {
@@ -25,18 +23,18 @@ class Menu {
 
     // Shows `forma` under the host's menu option `opcion` and registers it in the window list.
     // The host may replace the form object: callers take `forma` back afterwards.
-    virtual void ShowForm(std::int16_t opcion, std::shared_ptr<reports::Formulario>& forma) = 0;
+    virtual void ShowForm(std::int16_t opcion, std::shared_ptr<Formulario>& forma) = 0;
     // Refreshes the host's list of open windows (on a form's activation and deactivation).
     virtual void CerrarFrmListaVentanas() {}
     // Takes a closing form out of the host's list of open windows.
-    virtual void stListaVentanas(const reports::Formulario& forma) { (void)forma; }
+    virtual void stListaVentanas(const Formulario& forma) { (void)forma; }
     // Whether the host lets the form close.
-    virtual bool SiDescargaVentana(const reports::Formulario& forma) {
+    virtual bool SiDescargaVentana(const Formulario& forma) {
         (void)forma;
         return true;
     }
     // Tells the host that a child form has unloaded.
-    virtual void AlDescargarVentanaHija(const reports::Formulario& forma) { (void)forma; }
+    virtual void AlDescargarVentanaHija(const Formulario& forma) { (void)forma; }
     // Handle of the host's main window (parent of report previews); 0 when headless.
     virtual std::intptr_t hWnd() const { return 0; }
     // The main window's background colour (0xBBGGRR) and scale mode.
@@ -52,10 +50,10 @@ class MenuRegistro : public Menu {
   public:
     struct Llamada {
         std::int16_t opcion;
-        std::shared_ptr<reports::Formulario> forma;
+        std::shared_ptr<Formulario> forma;
     };
 
-    void ShowForm(std::int16_t opcion, std::shared_ptr<reports::Formulario>& forma) override {
+    void ShowForm(std::int16_t opcion, std::shared_ptr<Formulario>& forma) override {
         llamadas.push_back({opcion, forma});
     }
     void CerrarFrmListaVentanas() override { ++refrescos; }

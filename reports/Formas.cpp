@@ -2,6 +2,8 @@
 
 #include <map>
 
+#include "reports/RepAdmMovUser.h"
+
 namespace paratzorep::reports {
 
 namespace detail {
