@@ -116,7 +116,8 @@ class FuenteEvaluada : public FuenteFilas, private formula::Contexto {
             const Ref& r = refs_[i];
             switch (r.tipo) {
                 case Referencia::Tipo::Campo:
-                    v[i] = hayFila_ ? cursor_.Campo(r.tabla, r.campo) : Valor();
+                    v[i] = hayFila_ ? cursor_.Campo(r.tabla, r.campo)
+                                    : cursor_.Constante(r.tabla, r.campo);
                     break;
                 case Referencia::Tipo::Formula:
                     v[i] = Evalua(*r.formula);

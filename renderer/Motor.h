@@ -33,6 +33,9 @@ class CursorFilas {
     virtual bool Siguiente() = 0;
     // The current row's value of tabla.campo (names without regard to letter case).
     virtual Valor Campo(std::string_view tabla, std::string_view campo) const = 0;
+    // A value that does not depend on the rows (a heading table read once), asked when the
+    // report has no rows so that its headings still print; empty by default.
+    virtual Valor Constante(std::string_view, std::string_view) const { return {}; }
 };
 
 // What the engine asks of the data layer for one run.

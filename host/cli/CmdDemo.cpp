@@ -9,14 +9,18 @@
 #include <fstream>
 #include <iostream>
 #include <map>
+#include <memory>
 #include <string>
 #include <tuple>
 #include <vector>
 
+#include "data/BaseDDMaria.h"
 #include "data/ServidorPrivado.h"
 #include "host/cli/Commands.h"
+#include "output/Plantillas.h"
 #include "schema/Esquema.h"
 #include "schema/GeneradorDemo.h"
+#include "session/Sesion.h"
 #include "toolkit/Ini.h"
 
 namespace paratzorep::cli {
@@ -99,6 +103,27 @@ void escribeIni(const fs::path& home, const data::DatosServidor& d) {
     fs::permissions(ini, fs::perms::owner_read | fs::perms::owner_write);
 }
 
+// Stores every template source into the company's reportesbin with the same routine as
+// 'tzorep templates import'; no folder, no templates.
+int cargaPlantillas(const data::DatosServidor& d, const fs::path& carpeta) {
+    std::error_code ec;
+    if (!fs::is_directory(carpeta, ec)) return 0;
+    auto base = std::make_shared<data::BaseDDMaria>();
+    base->cRuta = d.host;
+    base->cUsuario = d.usuario;
+    base->cPassword = d.password;
+    base->cPuerto = d.puerto;
+    base->cMiBase = kBaseEmpresa;
+    session::sesion().BaseDD = base;
+    host::Conexion cn;
+    if (!base->AbrirBdD(cn, kBaseEmpresa))
+        throw std::runtime_error("no se pudo abrir " + std::string(kBaseEmpresa) +
+                                 " para cargar las plantillas: " + base->UltimoError());
+    const auto guardadas = output::ImportaPlantillas(cn, carpeta);
+    base->CierraBdD(cn);
+    return static_cast<int>(guardadas.size());
+}
+
 // Bytes on disk of one database's folder in the server's data folder.
 unsigned long long tamanioBase(const fs::path& datadir, const std::string& base) {
     unsigned long long total = 0;
@@ -177,8 +202,8 @@ int cmdDbDemo(const Contexto& ctx, const std::vector<std::string>& args) {
         schema::recrearBase(conexion, detail::kBaseEmpresa, esquemas / "empresa.sql");
         const auto conteos = schema::generarDemo(conexion, op);
         op.progreso("Cargando las plantillas");
-        const int plantillas = schema::cargarPlantillas(conexion, detail::kBaseEmpresa,
-                                                        fs::path(TZ_SOURCE_DIR) / "templates");
+        const int plantillas =
+            detail::cargaPlantillas(datos, fs::path(TZ_SOURCE_DIR) / "templates");
         detail::escribeIni(ctx.home, datos);
         if (terminal) std::cerr << "\r\033[K";
         const double segundos =
