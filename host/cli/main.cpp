@@ -19,6 +19,7 @@ constexpr const char* kUso =
     "  list                                los 46 reportes\n"
     "  show ENTRADA [--set C=V]... [--json]\n"
     "  print ENTRADA [--set C=V]... [--to screen|printer|file] [--type T] [--out RUTA]\n"
+    "        [--printer NOMBRE] [--request-log ARCHIVO]\n"
     "  templates list | import CARPETA | export CARPETA\n"
     "Carpeta: --home, TZOREP_HOME o ~/.local/share/tzorep.\n"
     "Salida: 0 hecho, 1 error, 2 uso incorrecto; db status: 0 en marcha, 3 detenido.\n";
@@ -70,10 +71,9 @@ int principal(int argc, char** argv) {
         return cmdDb(ctx, resto);
     }
     if (orden == "list") return cmdList(ctx, resto);
-    if (orden == "show" || orden == "print" || orden == "templates") {
-        std::cerr << "tzorep: " << orden << " no está disponible todavía\n";
-        return 1;
-    }
+    if (orden == "show") return cmdShow(ctx, resto);
+    if (orden == "print") return cmdPrint(ctx, resto);
+    if (orden == "templates") return cmdTemplates(ctx, resto);
     return errorDeUso("orden desconocida: " + orden);
 }
 

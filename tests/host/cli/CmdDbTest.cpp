@@ -47,14 +47,6 @@ TEST(TzorepUso, AyudaVaALaSalidaConCero) {
     EXPECT_TRUE(contiene(r.salida, "3 detenido"));
 }
 
-TEST(TzorepUso, OrdenesAunNoDisponibles) {
-    for (const std::string orden : {"show", "print", "templates"}) {
-        auto r = ejecutarTzorep({orden, "algo"});
-        EXPECT_EQ(r.estado, 1) << orden;
-        EXPECT_EQ(r.errores, "tzorep: " + orden + " no está disponible todavía\n");
-    }
-}
-
 TEST(TzorepDb, EstadoYParadaSinServidor) {
     CarpetaTemporal tmp;
     auto r = ejecutarTzorep({"--home", tmp.ruta().string(), "db", "status"});

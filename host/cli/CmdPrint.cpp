@@ -1,0 +1,152 @@
+// tzorep print ENTRY [--set C=V]... [--to screen|printer|file] [--type T] [--out PATH]
+//                    [--printer NAME] [--request-log FILE]
+// Opens the entry's form, sets its controls as a user would, chooses the destination (the
+// file destination answers the export dialog with --type and --out) and presses print.
+// Exit 0 when the report was produced, 1 when the form reported an error, 2 for a usage error.
+#include <filesystem>
+#include <iostream>
+
+#include "host/cli/AbreEntrada.h"
+#include "output/Ejecutor.h"
+#include "renderer/TiposArchivo.h"
+#include "reports/Marco.h"
+
+namespace paratzorep::cli {
+
+namespace detail {
+
+struct OpcionesPrint {
+    std::string destino;  // "", screen, printer, file
+    std::string tipo;
+    std::string salida;
+    std::string impresora;
+    std::string bitacora;
+};
+
+OpcionesPrint LeeOpcionesPrint(const Argumentos& a) {
+    OpcionesPrint o;
+    for (const auto& [nombre, valor] : a.opciones) {
+        if (nombre == "--to") {
+            if (valor != "screen" && valor != "printer" && valor != "file") {
+                throw ErrorUso("--to admite screen, printer o file, no '" + valor + "'");
+            }
+            o.destino = valor;
+        } else if (nombre == "--type") {
+            o.tipo = valor;
+            for (char& c : o.tipo)
+                c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+            if (!renderer::TipoPorExtension("x." + o.tipo)) {
+                throw ErrorUso("tipo de archivo desconocido: '" + valor +
+                               "' (pdf, txt, rtf, doc, xls, csv, xlsx)");
+            }
+        } else if (nombre == "--out") {
+            o.salida = valor;
+        } else if (nombre == "--printer") {
+            o.impresora = valor;
+        } else if (nombre == "--request-log") {
+            o.bitacora = valor;
+        }
+    }
+    if (o.destino == "file") {
+        if (o.salida.empty()) throw ErrorUso("--to file necesita --out RUTA");
+        if (o.tipo.empty()) {
+            // The type follows the name's extension when --type is not given.
+            auto t = renderer::TipoPorExtension(o.salida);
+            if (!t)
+                throw ErrorUso("--to file necesita --type T (pdf, txt, rtf, doc, xls, csv, xlsx)");
+            o.tipo = std::string(t->extension.substr(1));
+        }
+    } else if (!o.tipo.empty() || !o.salida.empty()) {
+        throw ErrorUso("--type y --out van con --to file");
+    }
+    if (!o.impresora.empty() && o.destino != "printer") {
+        throw ErrorUso("--printer va con --to printer");
+    }
+    return o;
+}
+
+// The export dialog's answer: folder and name without the type's extension.
+RespuestaArchivo Respuesta(const OpcionesPrint& o) {
+    namespace fs = std::filesystem;
+    fs::path ruta = fs::absolute(o.salida).lexically_normal();
+    RespuestaArchivo r;
+    r.tipo = o.tipo;
+    r.carpeta = ruta.parent_path().string();
+    if (r.carpeta.empty() || r.carpeta.back() != '/') r.carpeta += '/';
+    r.nombre = ruta.filename().string();
+    const std::string ext = "." + o.tipo;
+    if (r.nombre.size() > ext.size()) {
+        std::string cola = r.nombre.substr(r.nombre.size() - ext.size());
+        for (char& c : cola) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+        if (cola == ext) r.nombre.resize(r.nombre.size() - ext.size());
+    }
+    return r;
+}
+
+}  // namespace detail
+
+int cmdPrint(const Contexto& ctx, const std::vector<std::string>& args) {
+    Argumentos a;
+    detail::OpcionesPrint o;
+    try {
+        a = LeeArgumentos(args, {"--to", "--type", "--out", "--printer", "--request-log"}, {});
+        o = detail::LeeOpcionesPrint(a);
+    } catch (const ErrorUso& e) {
+        std::cerr << "tzorep: " << e.what() << "\n"
+                  << "Uso: tzorep print ENTRADA [--set C=V]... [--to screen|printer|file] "
+                     "[--type T] [--out RUTA] [--printer NOMBRE] [--request-log ARCHIVO]\n";
+        return 2;
+    }
+    try {
+        auto interaccion = std::make_shared<InteraccionCli>();
+        if (o.destino == "file") {
+            interaccion->archivo = detail::Respuesta(o);
+            // A script names the file it wants; its folder is made as `mkdir -p` would.
+            std::error_code ec;
+            std::filesystem::create_directories(interaccion->archivo->carpeta, ec);
+            if (ec) {
+                std::cerr << "tzorep: no se pudo crear la carpeta " << interaccion->archivo->carpeta
+                          << ": " << ec.message() << "\n";
+                return 1;
+            }
+        }
+        auto abierta = AbreEntrada(ctx, a, interaccion);
+        auto* forma = dynamic_cast<reports::FormaReporte*>(abierta.forma.get());
+        if (!forma) {
+            std::cerr << "tzorep: el reporte " << a.entrada->metodo << " ("
+                      << abierta.forma->Nombre() << ") no está disponible todavía\n";
+            return 1;
+        }
+        AplicaFijar(*forma, a);
+        auto& opciones = output::opcionesEjecucion();
+        opciones.bitacoraSolicitudes = o.bitacora;
+        opciones.salidaPantalla = &std::cout;
+        if (o.destino == "screen") forma->Fija("optDispos(0)", "1");
+        if (o.destino == "printer") {
+            forma->Fija("optDispos(1)", "1");
+            forma->Impresora = o.impresora;
+        }
+        if (o.destino == "file") {
+            forma->Fija("optDispos(2)", "1");
+            if (forma->Destino() != 2) {
+                std::cerr << "tzorep: no se pudo elegir el archivo de salida " << o.salida << "\n";
+                return 1;
+            }
+        }
+        const int antes = interaccion->mensajes;
+        if (!forma->Imprime()) {
+            // The date guard only beeps: say why here.
+            if (interaccion->mensajes == antes && !forma->UltimoError().empty()) {
+                std::cerr << forma->Caption << ": " << forma->UltimoError() << "\n";
+            }
+            return 1;
+        }
+        if (forma->Destino() == 2) std::cout << forma->ArchivoSalida << "\n";
+    } catch (const std::exception& e) {
+        std::cerr << "tzorep: " << e.what() << "\n";
+        return 1;
+    }
+    return std::cout.flush() ? 0 : 1;
+}
+
+}  // namespace paratzorep::cli

@@ -1,0 +1,129 @@
+// The report form frame that every report form shares: load (skin, company database, date
+// masks and default dates, bound combos, remembered settings, window position), the destination
+// frame (screen, printer, file through the export dialog), the print sequence under one error
+// handler, and closing. A report form adds its controls in its constructor and its own print
+// steps in Imprimir().
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/BaseDD.h"
+#include "reports/Formas.h"
+
+namespace paratzorep::reports {
+
+// A print step that failed: `Paso` says which, what() the reason. The frame shows both.
+class ErrorPaso : public std::runtime_error {
+  public:
+    ErrorPaso(std::string paso, const std::string& motivo)
+        : std::runtime_error(motivo), paso_(std::move(paso)) {}
+    const std::string& Paso() const { return paso_; }
+
+  private:
+    std::string paso_;
+};
+
+class FormaReporte : public FormaBasica {
+  public:
+    // Renders the component-wide report request; gets the local work file's path.
+    using Ejecutor = std::function<void(const std::string& archivoLocal)>;
+
+    FormaReporte(std::string nombre, std::string caption);
+    ~FormaReporte() override;
+
+    // The print sequence (cmdImprimir): input and date checks, the report's own steps, the
+    // runner, the work tables dropped whatever happened. True when the report was produced;
+    // otherwise a message was shown (or the date guard beeped) and the form keeps its filters.
+    bool Imprime();
+    // The message of the last failed print ("" after a good one or a silent refusal).
+    const std::string& UltimoError() const { return ultimoError_; }
+
+    // Asks the host whether the window may close and unloads it; false when the host refuses.
+    bool Cierra();
+
+    // Printer and copies for the printer destination ("" = the default printer).
+    std::string Impresora;
+    std::int16_t Copias = 1;
+    // The file chosen through the export dialog for the file destination.
+    std::string ArchivoSalida;
+    std::int16_t TipoSalida = 0;
+
+    // Replaces the report runner (tests); the default is output::EjecutaReporte.
+    void FijaEjecutor(Ejecutor ejecutor) { ejecutor_ = std::move(ejecutor); }
+
+    // The company database opened on load.
+    const host::Conexion& ConexionEmpresa() const { return cn_; }
+    // The local work file: RutaTanzo + "Auxiliar.mdb".
+    static std::string ArchivoLocal();
+    // 0 screen, 1 printer, 2 file, from optDispos.
+    std::int16_t Destino() const;
+
+  protected:
+    // The table whose first and last Fecha are the default dates ("" for none).
+    virtual std::string TablaMovimientos() const { return {}; }
+    // Binds the form's data combos (EnlazaCombo) once the company database is open.
+    virtual void EnlazaCombos() {}
+    // The controls whose values are remembered between sessions (settings file, section = the
+    // form's name); none by default.
+    virtual std::vector<std::string> Recordados() const { return {}; }
+    // The report's own print steps: conditions, work table, request, Ejecuta().
+    virtual void Imprimir() = 0;
+    // Redraws the caption labels beside a box that lost the focus (EtiquetaNegra).
+    virtual void AlSalir(Control&) {}
+
+    // --- Steps for Imprimir ---------------------------------------------------------------
+    // Names the step under way; a failure is reported as having happened in it.
+    void Paso(std::string descripcion) { paso_ = std::move(descripcion); }
+    // Clones a work table (dropped when the print ends). A failure raises the error flag and
+    // returns "": the caller checks session::HuboError() before filling.
+    std::string ClonaTabla(const std::string& modelo, bool enReportes);
+    // Runs a statement on the company database; returns the rows it affected.
+    std::int64_t Ejecutar(const std::string& sql);
+    // Writes the general values into the local work file's Generales (UsuarioImpresion added).
+    void PasaGenerales(std::vector<std::pair<std::string, host::Valor>> valores);
+    // Completes the request (destination, file, printer, copies, window title, printing user,
+    // local work file) and calls the runner.
+    void Ejecuta();
+    // Binds a data combo over the company database.
+    bool EnlazaCombo(Control& combo, const std::string& fuente, const std::string& campoLista,
+                     const std::string& campoLigado);
+
+    // A date box's text as typed, "" when it holds no date; and as "yyyy-mm-dd".
+    std::string Fecha(std::int16_t i) const;
+    std::string FechaSQL(std::int16_t i) const;
+
+    void Load() final;
+    void Unload() final;
+
+  private:
+    void ConectaEventos();
+    void FechasPorOmision();
+    void EligeDestino(std::int16_t opcion);
+    void PideArchivo();
+    bool RevisaEntradas();
+    bool RevisaFechas();
+    void BorraTablas(std::string& problemas);
+    void LeeRecordados();
+    void GuardaRecordados();
+    void Avisa(const std::string& texto);
+
+    host::Conexion cn_;
+    std::vector<std::string> tablas_;
+    std::string paso_;
+    std::string causaError_;
+    std::string ultimoError_;
+    std::int16_t destinoAnterior_ = 0;
+    Ejecutor ejecutor_;
+};
+
+namespace detail {
+// True when a text holds a single quote or a backslash, which would break a quoted SQL literal.
+bool RompeLiteral(const std::string& texto);
+}  // namespace detail
+
+}  // namespace paratzorep::reports

@@ -1,0 +1,255 @@
+// tzorep show and print end to end: the user activity log of a scratch company, its template
+// loaded with `templates import`, printed to every file type and read back by independent
+// readers; the form's refusals and the request log.
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "renderer/writers/Lector.h"
+#include "support/Soporte.h"
+
+namespace paratzorep::cli {
+namespace {
+
+namespace lector = renderer::prueba;
+
+bool Contiene(const std::string& texto, const std::string& parte) {
+    return texto.find(parte) != std::string::npos;
+}
+
+class CmdPrint : public ::testing::Test {
+  protected:
+    static void SetUpTestSuite() {
+        // The general database and the reports database's model are shared by the run: created
+        // once, with structure texts at Ids no other test uses besides the system's 180 and 181.
+        pruebas::BaseDeDatosDePrueba b;
+        b.ejecutar(
+            "CREATE DATABASE IF NOT EXISTS generaltanzo;"
+            "CREATE TABLE IF NOT EXISTS generaltanzo.estructurasm (Id INT NOT NULL, Dato BLOB, "
+            "PRIMARY KEY (Id));"
+            "INSERT IGNORE INTO generaltanzo.estructurasm VALUES "
+            "(180, ENCODE('ENTRADA AL SISTEMA','527')), (181, ENCODE('SALIDA DEL SISTEMA','527')),"
+            "(9150, ENCODE('FACTURACION','527'));"
+            "CREATE DATABASE IF NOT EXISTS tanzoreportes;"
+            "CREATE TABLE IF NOT EXISTS tanzoreportes.bitacorausuarios (Id INT NOT NULL "
+            "AUTO_INCREMENT, Fecha DATE NOT NULL DEFAULT '0000-00-00', Hora TIME NOT NULL DEFAULT "
+            "'00:00:00', Usuario VARCHAR(60) NOT NULL DEFAULT '', Accion VARCHAR(500) NOT NULL "
+            "DEFAULT '', Version VARCHAR(60) NOT NULL DEFAULT '', Equipo VARCHAR(60) NOT NULL "
+            "DEFAULT '', PRIMARY KEY (Id), KEY Fecha (Fecha))");
+    }
+
+    void SetUp() override {
+        bd.emplace();
+        bd->ejecutar(
+            "CREATE TABLE reportesbin (Archivo VARCHAR(100) NOT NULL, Renglon INT NOT NULL, "
+            "Contenido MEDIUMBLOB, PRIMARY KEY (Archivo, Renglon));"
+            "CREATE TABLE anexoreportes (Id INT NOT NULL AUTO_INCREMENT, ArchivoPadre "
+            "VARCHAR(100) NOT NULL DEFAULT '', Archivo VARCHAR(100) NOT NULL DEFAULT '', "
+            "DESCripcion VARCHAR(150) NOT NULL DEFAULT '', PRIMARY KEY (Id));"
+            "CREATE TABLE bitacorausuarios (Id INT NOT NULL AUTO_INCREMENT, Fecha DATE NOT NULL "
+            "DEFAULT '0000-00-00', Hora TIME NOT NULL DEFAULT '00:00:00', Usuario BLOB, Accion "
+            "VARCHAR(60) NOT NULL DEFAULT '', Registro INT NOT NULL DEFAULT 0, Llave BLOB, "
+            "Adicionales BLOB, Version BLOB, Equipo BLOB, PRIMARY KEY (Id));"
+            "INSERT INTO bitacorausuarios (Fecha,Hora,Usuario,Registro,Llave,Adicionales,Version,"
+            "Equipo) VALUES "
+            "('2026-09-15','10:00:00',ENCODE('BETO','418'),180,'','',"
+            "ENCODE('5.3.004','527'),ENCODE('CAJA-09','527')),"
+            "('2026-10-01','08:00:50',ENCODE('ANA','418'),180,'','',"
+            "ENCODE('5.3.004','527'),ENCODE('CAJA-01','527')),"
+            "('2026-10-01','09:15:00',ENCODE('MARIO','418'),9150,ENCODE('FOLIO 12','184'),"
+            "ENCODE('ALTA TOTAL 150.00','184'),ENCODE('5.3.004','527'),ENCODE('ALMACEN','527')),"
+            "('2026-10-02','11:30:00',ENCODE('ANA','418'),99999,ENCODE('FOLIO 7','184'),"
+            "ENCODE('CAMBIO','184'),ENCODE('5.3.004','527'),ENCODE('CAJA-01','527')),"
+            "('2026-10-02','19:00:00',ENCODE('MARIO','418'),181,'','',"
+            "ENCODE('5.3.004','527'),ENCODE('ALMACEN','527'))");
+        const auto& sv = bd->servidor();
+        std::ofstream(tmp / "tzorep.ini")
+            << "[BaseDD]\ncRuta=" << sv.host << "\ncUsuario=" << sv.usuario
+            << "\ncPassword=" << sv.password << "\ncPuerto=" << sv.puerto
+            << "\ncMiBase=" << bd->nombre() << "\n";
+        auto r = Tzorep({"templates", "import", std::string(TZ_SOURCE_DIR) + "/templates"});
+        ASSERT_EQ(r.estado, 0) << r.errores;
+    }
+
+    pruebas::ResultadoPrograma Tzorep(std::vector<std::string> args) {
+        args.insert(args.begin(), {"--home", tmp.ruta().string()});
+        return pruebas::ejecutarTzorep(args);
+    }
+    // A print of October's log with the given extra words.
+    pruebas::ResultadoPrograma Imprime(std::vector<std::string> extra) {
+        std::vector<std::string> args = {"print", "BitacoraUsuarios",
+                                         "--set", "mkeFecha(0)=01/10/2026",
+                                         "--set", "mkeFecha(1)=31/10/2026"};
+        args.insert(args.end(), extra.begin(), extra.end());
+        return Tzorep(args);
+    }
+    int TablasDeTrabajo() {
+        return std::stoi(bd->valor("SELECT COUNT(*) FROM information_schema.tables WHERE "
+                                   "table_schema=DATABASE() AND table_name LIKE 'tbltemp%'")
+                             .value_or("-1"));
+    }
+
+    pruebas::CarpetaTemporal tmp;
+    std::optional<pruebas::BaseDeDatosDePrueba> bd;
+};
+
+TEST_F(CmdPrint, ShowListsTheFormAfterLoading) {
+    auto r = Tzorep({"show", "BitacoraUsuarios"});
+    ASSERT_EQ(r.estado, 0) << r.errores;
+    EXPECT_TRUE(Contiene(r.salida, "RepAdmMovUser: Bitácora de usuarios")) << r.salida;
+    // The default dates come from the first and last rows of the log.
+    EXPECT_TRUE(Contiene(r.salida, "mkeFecha(0)         = \"15/09/2026\"")) << r.salida;
+    EXPECT_TRUE(Contiene(r.salida, "mkeFecha(1)         = \"02/10/2026\"")) << r.salida;
+
+    r = Tzorep({"show", "6", "--set", "optDispos(1)=1", "--json"});
+    ASSERT_EQ(r.estado, 0) << r.errores;
+    EXPECT_EQ(r.salida.rfind("{\"form\":\"RepAdmMovUser\"", 0), 0u) << r.salida;
+    EXPECT_TRUE(Contiene(r.salida,
+                         "{\"name\":\"optDispos(1)\",\"kind\":\"opcion\","
+                         "\"caption\":\"Im&presora\",\"text\":\"\",\"value\":1"))
+        << r.salida;
+}
+
+// Every file type, read back by a reader that shares no code with the writers. Each must hold
+// the decoded users, the composed action, the row of a structure with no text, and none of
+// September's rows.
+TEST_F(CmdPrint, EveryFileTypeReadBack) {
+    struct Caso {
+        std::string tipo;
+        std::string lector;  // command that prints the file's text; "" = read it as it is
+        std::string programa;
+    };
+    const std::vector<Caso> casos = {
+        {"pdf", "pdftotext -layout", "pdftotext"},
+        {"txt", "", ""},
+        {"csv", lector::Lector() + " csv", "python3"},
+        {"rtf", lector::Lector() + " rtf", "unrtf"},
+        {"doc", lector::Lector() + " rtf", "unrtf"},
+        {"xls", lector::Lector() + " xls", "python3"},
+        {"xlsx", lector::Lector() + " xlsx", "python3"},
+    };
+    for (const auto& c : casos) {
+        SCOPED_TRACE(c.tipo);
+        if (!c.programa.empty() && !lector::HayPrograma(c.programa)) {
+            ADD_FAILURE() << c.programa << " no está instalado (scripts/setup)";
+            continue;
+        }
+        const auto salida = tmp / ("nueva/bitacora." + c.tipo);
+        auto r = Imprime({"--to", "file", "--type", c.tipo, "--out", salida.string()});
+        ASSERT_EQ(r.estado, 0) << r.errores;
+        EXPECT_EQ(r.salida, salida.string() + "\n");
+        std::string texto;
+        if (c.lector.empty()) {
+            std::ifstream in(salida);
+            texto.assign(std::istreambuf_iterator<char>(in), {});
+        } else {
+            auto leido = lector::Ejecutar(c.lector + " " + lector::Comillas(salida.string()) +
+                                          (c.tipo == "pdf" ? " -" : "") + " 2>&1");
+            ASSERT_EQ(leido.estado, 0) << leido.texto;
+            texto = leido.texto;
+        }
+        EXPECT_TRUE(Contiene(texto, "ANA")) << texto;
+        EXPECT_TRUE(Contiene(texto, "FACTURACION FOLIO 12 ALTA TOTAL 150.00")) << texto;
+        // The row whose structure has no text is listed (LEFT JOIN); the system's CONCAT of a
+        // NULL structure text leaves its action empty.
+        EXPECT_TRUE(Contiene(texto, "11:30:00")) << texto;
+        EXPECT_TRUE(Contiene(texto, "SALIDA DEL SISTEMA")) << texto;
+        EXPECT_FALSE(Contiene(texto, "BETO")) << texto;
+        if (c.tipo == "pdf" || c.tipo == "txt") {
+            EXPECT_TRUE(Contiene(texto, "Movimientos de todos los usuarios")) << texto;
+            EXPECT_TRUE(Contiene(texto, "Del 1 de octubre de 2026 al 31 de octubre de 2026"))
+                << texto;
+            EXPECT_TRUE(Contiene(texto, "Página 1 de 1")) << texto;
+        }
+    }
+    EXPECT_EQ(TablasDeTrabajo(), 0);
+}
+
+TEST_F(CmdPrint, FiltersReachTheQueryAndTheRequestLog) {
+    const auto bitacora = tmp / "solicitudes.jsonl";
+    const auto salida = tmp / "solo-mario.txt";
+    auto r = Imprime({"--set", "txtDato(0)=MARIO", "--set", "optAccesos(1)=1", "--set",
+                      "chkAccion(0)=1", "--set", "chkAccion(3)=1", "--to", "file", "--out",
+                      salida.string(), "--request-log", bitacora.string()});
+    ASSERT_EQ(r.estado, 0) << r.errores;
+    std::ifstream in(salida);
+    const std::string texto{std::istreambuf_iterator<char>(in), {}};
+    // Only the accesses of MARIO, and of those only the kinds ticked: none is an ALTA or an
+    // IMPRESION, so the report has no rows but keeps its headings.
+    EXPECT_TRUE(Contiene(texto, "Movimientos del usuario 'MARIO'")) << texto;
+    EXPECT_FALSE(Contiene(texto, "ANA")) << texto;
+    EXPECT_FALSE(Contiene(texto, "SALIDA DEL SISTEMA")) << texto;
+
+    std::ifstream log(bitacora);
+    std::string linea;
+    ASSERT_TRUE(std::getline(log, linea));
+    EXPECT_TRUE(Contiene(linea, "\"plantilla\":\"bitacoraus.rpt\"")) << linea;
+    EXPECT_TRUE(Contiene(linea, "\"destino\":2")) << linea;
+    EXPECT_TRUE(Contiene(linea,
+                         "\"formulaSeleccion\":\"('ALTA' in {bitacorausuarios.Accion} or "
+                         "'IMPRESION' in {bitacorausuarios.Accion})\""))
+        << linea;
+    EXPECT_TRUE(Contiene(linea, "\"archivosDatos\":[\"bitacorausuarios*tbltemp0\"]")) << linea;
+    EXPECT_TRUE(Contiene(linea, "PWD=***")) << linea;
+    EXPECT_FALSE(Contiene(linea, bd->servidor().password)) << linea;
+    EXPECT_FALSE(std::getline(log, linea));
+}
+
+TEST_F(CmdPrint, ScreenShowsTextPages) {
+    auto r = Imprime({"--to", "screen"});
+    ASSERT_EQ(r.estado, 0) << r.errores;
+    EXPECT_TRUE(Contiene(r.salida, "Bitácora de usuarios")) << r.salida;
+    EXPECT_TRUE(Contiene(r.salida, "01/oct/2026")) << r.salida;
+}
+
+// Refusals: each stops before the report, says why on stderr and leaves no work table.
+TEST_F(CmdPrint, RefusalsExplainAndLeaveNothing) {
+    struct Caso {
+        std::vector<std::string> args;
+        int estado;
+        std::string mensaje;
+    };
+    const std::vector<Caso> casos = {
+        {{"--set", "txtDato(0)=O'Brien"},
+         1,
+         "Bitácora de usuarios: El dato 'Usuario' no puede llevar comillas simples"},
+        {{"--set", "txtDato(0)=a\\b"}, 1, "ni diagonales invertidas"},
+        {{"--set", "mkeFecha(0)=31/02/2026"},
+         1,
+         "La fecha inicial ('31/02/2026') no es una fecha válida"},
+        {{"--set", "noExiste(3)=1"}, 1, "noExiste"},
+        {{"--to", "file"}, 2, "--to file necesita --out"},
+        {{"--to", "file", "--type", "odt", "--out", "x.odt"}, 2, "tipo de archivo desconocido"},
+        {{"--to", "papel"}, 2, "--to admite screen, printer o file"},
+        {{"--printer", "hp"}, 2, "--printer va con --to printer"},
+    };
+    for (const auto& c : casos) {
+        auto r = Imprime(c.args);
+        SCOPED_TRACE(c.args.back());
+        EXPECT_EQ(r.estado, c.estado) << r.errores;
+        EXPECT_TRUE(Contiene(r.errores, c.mensaje)) << r.errores;
+    }
+    EXPECT_EQ(TablasDeTrabajo(), 0);
+
+    // A report whose form is not built yet shows its bare form but does not print.
+    auto r = Tzorep({"print", "Ajustes"});
+    EXPECT_EQ(r.estado, 1);
+    EXPECT_TRUE(Contiene(r.errores, "no está disponible todavía")) << r.errores;
+    EXPECT_EQ(Tzorep({"show", "Ajustes"}).estado, 0);
+}
+
+// A template missing from the store ends the run with the runner's message; the work table
+// is dropped all the same and the output file is not created.
+TEST_F(CmdPrint, MissingTemplateDropsTheWorkTable) {
+    bd->ejecutar("DELETE FROM reportesbin");
+    const auto salida = tmp / "sin-plantilla.pdf";
+    auto r = Imprime({"--to", "file", "--out", salida.string()});
+    EXPECT_EQ(r.estado, 1);
+    EXPECT_TRUE(Contiene(r.errores, "Bitácora de usuarios: ")) << r.errores;
+    EXPECT_TRUE(Contiene(r.errores, "bitacoraus.rpt")) << r.errores;
+    EXPECT_FALSE(std::filesystem::exists(salida));
+    EXPECT_EQ(TablasDeTrabajo(), 0);
+}
+
+}  // namespace
+}  // namespace paratzorep::cli
