@@ -402,15 +402,9 @@ void Motor::Renderiza() {
             escritor = std::make_unique<TxtEscritor>(nombreArchivo_);
         else
             escritor = fabricas_.at(tipo->codigo)(nombreArchivo_);
-        try {
-            lista.Reproduce(doc, medidor, {escritor.get()});
-        } catch (...) {
-            // No half-written file is left behind to be taken for the report.
-            escritor.reset();
-            std::error_code ec;
-            std::filesystem::remove(nombreArchivo_, ec);
-            throw;
-        }
+        // Every writer draws into a partial file and puts it in place only when complete: a
+        // failure leaves no half-written report and keeps an earlier file of the same name.
+        lista.Reproduce(doc, medidor, {escritor.get()});
         resultado_.archivos.push_back(nombreArchivo_);
     }
 }

@@ -2,20 +2,34 @@
 
 #include <cairo-pdf.h>
 
+#include <filesystem>
+
 #include "renderer/layout/Pintor.h"
+#include "renderer/writers/ArchivoSalida.h"
 #include "renderer/writers/ErrorEscritura.h"
 
 namespace paratzorep::renderer {
 
+// The PDF is drawn into a partial file beside the target, which replaces the target only
+// when the document is complete: a failed run leaves an earlier file as it was.
 struct PdfEscritor::Impl {
     std::string archivo;
+    std::filesystem::path parcial;
     Medidor& medidor;
     Documento doc;
     cairo_surface_t* superficie = nullptr;
     cairo_t* cr = nullptr;
+    bool terminado = false;
 
-    Impl(std::string a, Medidor& m) : archivo(std::move(a)), medidor(m) {}
-    ~Impl() { Libera(); }
+    Impl(std::string a, Medidor& m)
+        : archivo(std::move(a)), parcial(detail::RutaParcial(archivo)), medidor(m) {}
+    ~Impl() {
+        Libera();
+        if (!terminado) {
+            std::error_code ec;
+            std::filesystem::remove(parcial, ec);
+        }
+    }
     void Libera() {
         if (cr) cairo_destroy(cr);
         if (superficie) cairo_surface_destroy(superficie);
@@ -41,7 +55,7 @@ PdfEscritor::~PdfEscritor() = default;
 
 void PdfEscritor::Inicia(const Documento& documento) {
     impl_->doc = documento;
-    impl_->superficie = cairo_pdf_surface_create(impl_->archivo.c_str(), documento.anchoPagina,
+    impl_->superficie = cairo_pdf_surface_create(impl_->parcial.c_str(), documento.anchoPagina,
                                                  documento.altoPagina);
     impl_->Revisa("No se pudo crear el archivo PDF");
     cairo_pdf_surface_set_metadata(impl_->superficie, CAIRO_PDF_METADATA_TITLE,
@@ -64,6 +78,8 @@ void PdfEscritor::Termina() {
     cairo_surface_finish(impl_->superficie);
     impl_->Revisa("No se pudo terminar el archivo PDF");
     impl_->Libera();
+    detail::Reemplazar(impl_->parcial, impl_->archivo);
+    impl_->terminado = true;
 }
 
 }  // namespace paratzorep::renderer

@@ -63,11 +63,8 @@ void TxtEscritor::Inicia(const Documento& documento) {
     altoRenglon_ = tam * 1.16;
     primera_ = true;
     if (!salida_) {
-        archivoSalida_.open(archivo_, std::ios::binary | std::ios::trunc);
-        if (!archivoSalida_)
-            throw ErrorEscritura("No se pudo crear el archivo de texto", archivo_,
-                                 std::strerror(errno));
-        salida_ = &archivoSalida_;
+        archivoSalida_ = std::make_unique<detail::ArchivoSalida>(archivo_);
+        salida_ = &archivoSalida_->flujo();
     }
 }
 
@@ -174,9 +171,14 @@ void TxtEscritor::Pagina(const renderer::Pagina& pagina) {
 }
 
 void TxtEscritor::Termina() {
+    if (archivoSalida_) {
+        archivoSalida_->Confirmar();
+        salida_ = nullptr;
+        archivoSalida_.reset();
+        return;
+    }
     salida_->flush();
-    if (archivoSalida_.is_open()) archivoSalida_.close();
-    if (!*salida_ || (archivoSalida_.fail() && !archivo_.empty()))
+    if (!*salida_)
         throw ErrorEscritura("No se pudo escribir el archivo de texto", archivo_,
                              std::strerror(errno));
 }

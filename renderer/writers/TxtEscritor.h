@@ -4,9 +4,11 @@
 #pragma once
 
 #include <fstream>
+#include <memory>
 #include <ostream>
 #include <string>
 
+#include "renderer/writers/ArchivoSalida.h"
 #include "renderer/writers/Escritor.h"
 
 namespace paratzorep::renderer {
@@ -26,7 +28,8 @@ class TxtEscritor : public Escritor {
 
   private:
     std::string archivo_;
-    std::ofstream archivoSalida_;
+    // The file being written: a partial file that replaces `archivo_` only when complete.
+    std::unique_ptr<detail::ArchivoSalida> archivoSalida_;
     std::ostream* salida_ = nullptr;
     std::string separador_ = "\f";
     Documento doc_;

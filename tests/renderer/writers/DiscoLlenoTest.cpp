@@ -13,6 +13,8 @@
 #include "renderer/writers/ErrorEscritura.h"
 #include "renderer/writers/EscritorRtf.h"
 #include "renderer/writers/EscritorTabla.h"
+#include "renderer/writers/PdfEscritor.h"
+#include "renderer/writers/TxtEscritor.h"
 
 namespace paratzorep::renderer {
 namespace {
@@ -90,13 +92,24 @@ TEST_P(DiscoLleno, ErrorClaroSinArchivoParcialYElAnteriorIntacto) {
         EXPECT_EQ(e.path(), ruta) << "sobra " << e.path();
 }
 
-INSTANTIATE_TEST_SUITE_P(Escritores, DiscoLleno,
-                         ::testing::Values(CasoDisco{"csv", CreaEscritorCsv},
-                                           CasoDisco{"xls", CreaEscritorXls},
-                                           CasoDisco{"xlsx", CreaEscritorXlsx},
-                                           CasoDisco{"rtf", CreaEscritorRtf},
-                                           CasoDisco{"doc", CreaEscritorDoc}),
-                         [](const auto& info) { return info.param.extension; });
+INSTANTIATE_TEST_SUITE_P(
+    Escritores, DiscoLleno,
+    ::testing::Values(CasoDisco{"pdf",
+                                [](const std::string& ruta) {
+                                    // The fonts of the pages below, registered once.
+                                    static Medidor medidor;
+                                    if (medidor.Registra(Fuente{}) == 0)
+                                        medidor.Registra(Fuente{"DejaVu Sans", 9, true});
+                                    return std::make_unique<PdfEscritor>(ruta, medidor);
+                                }},
+                      CasoDisco{"txt",
+                                [](const std::string& ruta) {
+                                    return std::make_unique<TxtEscritor>(ruta);
+                                }},
+                      CasoDisco{"csv", CreaEscritorCsv}, CasoDisco{"xls", CreaEscritorXls},
+                      CasoDisco{"xlsx", CreaEscritorXlsx}, CasoDisco{"rtf", CreaEscritorRtf},
+                      CasoDisco{"doc", CreaEscritorDoc}),
+    [](const auto& info) { return info.param.extension; });
 
 }  // namespace
 }  // namespace paratzorep::renderer

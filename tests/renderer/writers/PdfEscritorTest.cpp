@@ -103,12 +103,6 @@ TEST(PdfEscritor, CarpetaInexistenteDaUnErrorClaro) {
     }
 }
 
-TEST(PdfEscritor, DiscoLlenoDaUnErrorClaro) {
-    Medidor medidor;
-    PdfEscritor escritor("/dev/full", medidor);  // every write fails with ENOSPC
-    EXPECT_THROW(RenderMuestra(20, medidor, {&escritor}), ErrorEscritura);
-}
-
 TEST(PngEscritor, UnaImagenPorPagina) {
     CarpetaTemporal tmp;
     Medidor medidor;

@@ -118,19 +118,6 @@ TEST(TxtEscritor, MuestraConColumnasAlineadasYSaltoDePagina) {
     EXPECT_EQ(finales.size(), 1u);
 }
 
-TEST(TxtEscritor, DiscoLlenoDaUnErrorClaro) {
-    Pagina p;
-    for (int i = 0; i < 2000; ++i) p.textos.push_back(Texto(10, 10 + 10.5 * i, 54, "renglón"));
-    TxtEscritor escritor("/dev/full");  // every write fails with ENOSPC
-    escritor.Inicia(Doc());
-    EXPECT_THROW(
-        {
-            escritor.Pagina(p);
-            escritor.Termina();
-        },
-        ErrorEscritura);
-}
-
 TEST(TxtEscritor, ArchivoEnCarpetaInexistente) {
     TxtEscritor escritor("/no/existe/reporte.txt");
     EXPECT_THROW(escritor.Inicia(Doc()), ErrorEscritura);
