@@ -343,37 +343,4 @@ void recrearBase(Conexion& conexion, const std::string& base, const std::filesys
     cargarArchivo(conexion, archivo, paralelas);
 }
 
-int cargarPlantillas(Conexion& conexion, const std::string& base,
-                     const std::filesystem::path& carpeta, std::size_t pieza) {
-    if (!nombreDeBaseValido(base))
-        throw ErrorEsquema("Nombre de base de datos no válido: '" + base + "'");
-    if (pieza == 0) pieza = 60000;
-    std::error_code ec;
-    if (!std::filesystem::is_directory(carpeta, ec)) return 0;
-    std::vector<std::filesystem::path> archivos;
-    for (const auto& e : std::filesystem::directory_iterator(carpeta, ec)) {
-        std::string ext = e.path().extension().string();
-        for (auto& c : ext) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-        if (e.is_regular_file() && ext == ".rpt") archivos.push_back(e.path());
-    }
-    std::sort(archivos.begin(), archivos.end());
-    for (const auto& ruta : archivos) {
-        std::ifstream f(ruta, std::ios::binary);
-        if (!f) throw ErrorEsquema("No se pudo leer la plantilla " + ruta.string());
-        const std::string bytes((std::istreambuf_iterator<char>(f)),
-                                std::istreambuf_iterator<char>());
-        const std::string nombre = conexion.escapar(ruta.filename().string());
-        conexion.ejecutar("DELETE FROM `" + base + "`.reportesbin WHERE Archivo='" + nombre + "'");
-        int renglon = 1;
-        for (std::size_t i = 0; i < bytes.size() || renglon == 1; i += pieza) {
-            const std::string trozo = bytes.substr(std::min(i, bytes.size()), pieza);
-            conexion.ejecutar(
-                "INSERT INTO `" + base + "`.reportesbin (Archivo,Renglon,Contenido) VALUES ('" +
-                nombre + "'," + std::to_string(renglon++) + ",'" + conexion.escapar(trozo) + "')");
-            if (bytes.empty()) break;
-        }
-    }
-    return static_cast<int>(archivos.size());
-}
-
 }  // namespace paratzorep::schema

@@ -112,11 +112,4 @@ void cargarArchivo(st_mysql* mysql, const std::filesystem::path& archivo);
 void recrearBase(Conexion& conexion, const std::string& base, const std::filesystem::path& archivo,
                  int paralelas = 4);
 
-// Stores every ".rpt" file of a folder in the template store of a company
-// database (`reportesbin`: Archivo, Renglon from 1, Contenido in pieces of at
-// most `pieza` bytes), replacing the rows of files of the same name. Returns
-// the number of files stored; a missing folder stores none.
-int cargarPlantillas(Conexion& conexion, const std::string& base,
-                     const std::filesystem::path& carpeta, std::size_t pieza = 60000);
-
 }  // namespace paratzorep::schema

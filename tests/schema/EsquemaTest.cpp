@@ -356,24 +356,5 @@ TEST(Esquemas, RechazaNombresYArchivosInvalidosSinTocarElServidor) {
               "0");
 }
 
-TEST(Plantillas, SeGuardanEnTrozosQueSeUnenEnOrden) {
-    pruebas::CarpetaTemporal tmp;
-    std::string contenido;
-    for (int i = 0; i < 1000; ++i) contenido += "<renglon n=\"" + std::to_string(i) + "\"/>\n'\\";
-    std::ofstream(tmp / "prueba.rpt", std::ios::binary) << contenido;
-    std::ofstream(tmp / "VACIO.RPT", std::ios::binary) << "";
-    std::ofstream(tmp / "otro.txt") << "no es plantilla";
-    BaseTemporal b("plt");
-    recrearBase(b.c(), b.nombre(), carpetaEsquemas() / "empresa.sql");
-    EXPECT_EQ(cargarPlantillas(b.c(), b.nombre(), tmp.ruta(), 1000), 2);
-    EXPECT_EQ(cargarPlantillas(b.c(), b.nombre(), tmp.ruta(), 1000), 2);  // replaces, no duplicates
-    EXPECT_EQ(b.c().valor("SELECT GROUP_CONCAT(Contenido ORDER BY Renglon SEPARATOR '') FROM "
-                          "reportesbin WHERE Archivo='prueba.rpt'"),
-              contenido);
-    EXPECT_EQ(b.c().valor("SELECT MIN(Renglon) FROM reportesbin WHERE Archivo='prueba.rpt'"), "1");
-    EXPECT_EQ(b.c().valor("SELECT COUNT(*) FROM reportesbin WHERE Archivo='VACIO.RPT'"), "1");
-    EXPECT_EQ(cargarPlantillas(b.c(), b.nombre(), tmp / "no-existe"), 0);
-}
-
 }  // namespace
 }  // namespace paratzorep::schema
