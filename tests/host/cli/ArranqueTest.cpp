@@ -1,6 +1,5 @@
-// Start-up of the command-line host from tzorep.ini. The start-up code belongs to the tzorep
-// program, not to a library, so it is compiled into this test directly.
-#include "host/cli/Arranque.cpp"  // NOLINT(bugprone-suspicious-include)
+// Start-up of the command-line host from tzorep.ini.
+#include "host/cli/Arranque.h"
 
 #include <gtest/gtest.h>
 
