@@ -52,7 +52,7 @@ std::string Motivo(const std::exception& e) {
 FormaReporte::FormaReporte(std::string nombre, std::string caption)
     : FormaBasica(std::move(nombre), std::move(caption)),
       ejecutor_([](const std::string& archivoLocal) { output::EjecutaReporte(archivoLocal); }) {
-    Agrega("Frame1").Caption = "Imprimir en:";
+    // The destination frame is the dressing's Frame2 ("Enviar reporte a: ").
     Agrega("lblTipoArchivo").Caption = "Tipo de archivo";
     Agrega("pctFondoUniversal");
 }
