@@ -127,4 +127,14 @@ void AplicaFijar(host::Formulario& forma, const Argumentos& a) {
     for (const auto& [control, valor] : a.fijar) forma.Fija(control, valor);
 }
 
+bool FijaDesdeLinea(host::Formulario& forma, const Argumentos& a) {
+    try {
+        AplicaFijar(forma, a);
+        return true;
+    } catch (const host::ErrorFormulario& e) {
+        std::cerr << "tzorep: --set: " << e.what() << "\n";
+        return false;
+    }
+}
+
 }  // namespace paratzorep::cli

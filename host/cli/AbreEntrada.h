@@ -80,5 +80,8 @@ EntradaAbierta AbreEntrada(const Contexto& ctx, const Argumentos& a,
                            std::shared_ptr<InteraccionCli> interaccion);
 // Applies the --set pairs in order.
 void AplicaFijar(host::Formulario& forma, const Argumentos& a);
+// The same for a command: a control the form does not have, or a value it does not take, is
+// a usage error, said on stderr; false then.
+bool FijaDesdeLinea(host::Formulario& forma, const Argumentos& a);
 
 }  // namespace paratzorep::cli

@@ -117,7 +117,7 @@ int cmdPrint(const Contexto& ctx, const std::vector<std::string>& args) {
                       << abierta.forma->Nombre() << ") no está disponible todavía\n";
             return 1;
         }
-        AplicaFijar(*forma, a);
+        if (!FijaDesdeLinea(*forma, a)) return 2;
         auto& opciones = output::opcionesEjecucion();
         opciones.bitacoraSolicitudes = o.bitacora;
         opciones.salidaPantalla = &std::cout;

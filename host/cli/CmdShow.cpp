@@ -145,7 +145,7 @@ int cmdShow(const Contexto& ctx, const std::vector<std::string>& args) {
     const bool json = !a.opciones.empty();
     try {
         auto abierta = AbreEntrada(ctx, a, std::make_shared<InteraccionCli>());
-        AplicaFijar(*abierta.forma, a);
+        if (!FijaDesdeLinea(*abierta.forma, a)) return 2;
         if (json) {
             detail::MuestraJson(*abierta.forma, std::cout);
         } else {
