@@ -5,40 +5,17 @@
 #include <sqlite3.h>
 
 #include <algorithm>
-#include <cstdlib>
-#include <fstream>
+#include <optional>
 
 #include "renderer/data/Consulta.h"
 #include "renderer/formula/Evaluador.h"
 #include "support/Soporte.h"
+#include "tests/renderer/data/ConexionOdbc.h"
 
 namespace paratzorep::renderer::data {
 namespace {
 
 using pruebas::BaseDeDatosDePrueba;
-
-// Writes the tests' odbc.ini once and points the driver manager at it before
-// the process's first ODBC call.
-void prepararOdbc(const paratzorep::data::DatosServidor& s) {
-    static bool hecho = false;
-    if (hecho) return;
-    const std::string ruta = (std::filesystem::temp_directory_path() /
-                              ("tz-odbc-" + std::to_string(::getpid()) + ".ini"))
-                                 .string();
-    std::ofstream f(ruta);
-    f << "[myodbc3-test]\nDriver=/usr/lib/x86_64-linux-gnu/odbc/libmaodbc.so\nSERVER=" << s.host
-      << "\nPORT=" << s.puerto << "\n";
-    f.close();
-    ::setenv("ODBCINI", ruta.c_str(), 1);
-    hecho = true;
-}
-
-std::string connect(const BaseDeDatosDePrueba& bd) {
-    const auto& s = bd.servidor();
-    prepararOdbc(s);
-    return "DSN=myodbc3-test;SERVER=" + s.host + ";DB=" + bd.nombre() + ";UID=" + s.usuario +
-           ";PWD=" + s.password;
-}
 
 const char* kTablas =
     "CREATE TABLE mov (Id INT PRIMARY KEY, Clave VARCHAR(20), Fecha DATE NULL, "
@@ -69,12 +46,42 @@ DescripcionConsulta consulta(std::string seleccion, std::vector<std::string> ord
     return d;
 }
 
-std::vector<int> ids(Filas& f) {
+// The Ids in reading order. With a sort field, also checks that the rows come in
+// the order the evaluator gives that field.
+std::vector<int> ids(Filas& f, const std::string& orden = {}) {
     std::vector<int> r;
     const int i = f.indice("edoctacli", "Id");
-    while (f.siguiente()) r.push_back(static_cast<int>(f.valor(i).comoNumero()));
+    std::optional<formula::CampoOrden> o;
+    if (!orden.empty()) o = formula::analizarCampoOrden(orden);
+    const int c = o ? f.indice(o->campo.tabla, o->campo.campo) : -1;
+    Valor anterior;
+    while (f.siguiente()) {
+        if (o && !r.empty()) {
+            const auto cmp = compararParaOrden(anterior, f.valor(c));
+            EXPECT_NE(cmp,
+                      o->descendente ? std::strong_ordering::less : std::strong_ordering::greater)
+                << anterior.aTexto() << " / " << f.valor(c).aTexto();
+        }
+        if (o) anterior = f.valor(c);
+        r.push_back(static_cast<int>(f.valor(i).comoNumero()));
+    }
     return r;
 }
+
+Opciones bloques(std::size_t n, std::size_t sinIndice) {
+    Opciones o;
+    o.filasPorBloque = n;
+    o.filasPorBloqueSinIndice = sinIndice;
+    return o;
+}
+
+// A database with the tables above and its connection string.
+class FilasOdbc : public ::testing::Test {
+  protected:
+    void SetUp() override { bd.ejecutar(kTablas); }
+    BaseDeDatosDePrueba bd;
+    const std::string cs = prueba::conexionOdbc(bd);
+};
 
 const std::vector<std::string> kSelecciones = {
     "{edoctacli.IdMoneda}=1",
@@ -99,10 +106,7 @@ const std::vector<std::string> kSelecciones = {
     "{edoctacli.IdMoneda}=1 and Trim({edoctacli.Clave}) = 'C003'",
 };
 
-TEST(FilasOdbc, SeleccionEnviadaYEvaluadaDanLasMismasFilas) {
-    BaseDeDatosDePrueba bd;
-    bd.ejecutar(kTablas);
-    const std::string cs = connect(bd);
+TEST_F(FilasOdbc, SeleccionEnviadaYEvaluadaDanLasMismasFilas) {
     for (const auto& sel : kSelecciones) {
         SCOPED_TRACE(sel);
         auto enviada = abrirOdbc(cs, consulta(sel, {"+{edoctacli.Id}"}));
@@ -125,46 +129,33 @@ TEST(FilasOdbc, SeleccionEnviadaYEvaluadaDanLasMismasFilas) {
     }
 }
 
-TEST(FilasOdbc, PaginasConservanOrdenYFilas) {
-    BaseDeDatosDePrueba bd;
-    bd.ejecutar(kTablas);
-    const std::string cs = connect(bd);
+TEST_F(FilasOdbc, PaginasConservanOrdenYFilas) {
     for (const char* orden : {"-{edoctacli.Importe}", "+{edoctacli.Fecha}", "+{clientes.Zona}",
                               "+{edoctacli.Concepto}", "-{edoctacli.Clave}"}) {
         SCOPED_TRACE(orden);
-        Opciones enUno;
-        enUno.filasPorBloque = 1000;
-        auto uno = abrirOdbc(cs, consulta("", {orden}), enUno);
-        const auto esperado = ids(*uno);
+        auto uno = abrirOdbc(cs, consulta("", {orden}), bloques(1000, 1000));
+        const auto esperado = ids(*uno, orden);
+        ASSERT_EQ(esperado.size(), 8u);
         for (std::size_t n : {1u, 2u, 3u}) {
-            Opciones o;
-            o.filasPorBloque = n;
-            o.filasPorBloqueSinIndice = n;
-            auto f = abrirOdbc(cs, consulta("", {orden}), o);
-            EXPECT_EQ(ids(*f), esperado) << "bloques de " << n;
+            auto f = abrirOdbc(cs, consulta("", {orden}), bloques(n, n));
+            EXPECT_EQ(ids(*f, orden), esperado) << "bloques de " << n;
             // information_schema look-ups, then one statement per block plus the empty tail
             EXPECT_GE(f->sqlEnviado().size(), 8 / n);
         }
-        ASSERT_EQ(esperado.size(), 8u);
     }
 }
 
-TEST(FilasOdbc, BloquesMayoresSiElOrdenNoTieneIndice) {
-    BaseDeDatosDePrueba bd;
-    bd.ejecutar(kTablas);
-    Opciones o;
-    o.filasPorBloque = 2;
-    o.filasPorBloqueSinIndice = 500;
-    auto conIndice = abrirOdbc(connect(bd), consulta("", {"-{edoctacli.Id}"}), o);
+TEST_F(FilasOdbc, BloquesMayoresSiElOrdenNoTieneIndice) {
+    const Opciones o = bloques(2, 500);
+    auto conIndice = abrirOdbc(cs, consulta("", {"-{edoctacli.Id}"}), o);
     EXPECT_EQ(ids(*conIndice), (std::vector<int>{8, 7, 6, 5, 4, 3, 2, 1}));
     EXPECT_NE(conIndice->sqlEnviado().back().find(" LIMIT 2"), std::string::npos);
-    auto sinIndice = abrirOdbc(connect(bd), consulta("", {"+{edoctacli.Importe}"}), o);
-    EXPECT_EQ(ids(*sinIndice).size(), 8u);
+    auto sinIndice = abrirOdbc(cs, consulta("", {"+{edoctacli.Importe}"}), o);
+    EXPECT_EQ(ids(*sinIndice, "+{edoctacli.Importe}").size(), 8u);
     EXPECT_NE(sinIndice->sqlEnviado().back().find(" LIMIT 500"), std::string::npos);
 }
 
-TEST(FilasOdbc, ClaveFloatEntreBloques) {
-    BaseDeDatosDePrueba bd;
+TEST_F(FilasOdbc, ClaveFloatEntreBloques) {
     bd.ejecutar(
         "CREATE TABLE flt (Id INT PRIMARY KEY, f FLOAT);"
         "INSERT INTO flt VALUES (1,1.2345678),(2,1.2345678),(3,1.2345678),(4,0.5)");
@@ -172,36 +163,15 @@ TEST(FilasOdbc, ClaveFloatEntreBloques) {
     d.tablas = {{"edoctacli", "flt"}};
     d.columnas = {{"edoctacli", "Id"}};
     d.orden = {"-{edoctacli.f}"};
-    Opciones o;
-    o.filasPorBloque = 1;
-    o.filasPorBloqueSinIndice = 1;
-    auto f = abrirOdbc(connect(bd), d, o);
+    auto f = abrirOdbc(cs, d, bloques(1, 1));
     EXPECT_EQ(ids(*f), (std::vector<int>{1, 2, 3, 4}));
 }
 
-TEST(FilasOdbc, OrdenComoElDelEvaluador) {
-    BaseDeDatosDePrueba bd;
-    bd.ejecutar(kTablas);
-    Opciones o;
-    o.filasPorBloque = 2;
-    o.filasPorBloqueSinIndice = 2;
-    auto f = abrirOdbc(connect(bd), consulta("", {"+{edoctacli.Concepto}"}), o);
-    const int c = f->indice("edoctacli", "Concepto");
-    std::vector<Valor> vistos;
-    while (f->siguiente()) vistos.push_back(f->valor(c));
-    ASSERT_EQ(vistos.size(), 8u);
-    for (std::size_t i = 1; i < vistos.size(); ++i)
-        EXPECT_NE(compararParaOrden(vistos[i - 1], vistos[i]), std::strong_ordering::greater)
-            << vistos[i - 1].aTexto() << " / " << vistos[i].aTexto();
-}
-
-TEST(FilasOdbc, FechaCeroEsFechaVacia) {
-    BaseDeDatosDePrueba bd;
-    bd.ejecutar(kTablas);
+TEST_F(FilasOdbc, FechaCeroEsFechaVacia) {
     DescripcionConsulta d = consulta("{edoctacli.Id}=3");
     d.columnas.push_back({"edoctacli", "Fecha"});
     d.columnas.push_back({"edoctacli", "Importe"});
-    auto f = abrirOdbc(connect(bd), d);
+    auto f = abrirOdbc(cs, d);
     ASSERT_TRUE(f->siguiente());
     EXPECT_EQ(f->valor(1).tipo(), Valor::Tipo::Fecha);
     EXPECT_TRUE(f->valor(1).comoFecha().vacia());
@@ -209,18 +179,16 @@ TEST(FilasOdbc, FechaCeroEsFechaVacia) {
     EXPECT_FALSE(f->siguiente());
 }
 
-TEST(FilasOdbc, ErroresConContexto) {
-    BaseDeDatosDePrueba bd;
-    bd.ejecutar(kTablas);
+TEST_F(FilasOdbc, ErroresConContexto) {
     try {
-        abrirOdbc(connect(bd) + ";PWD=mala", consulta(""));
+        abrirOdbc(cs + ";PWD=mala", consulta(""));
         FAIL();
     } catch (const ErrorDatos& e) {
         EXPECT_EQ(e.accion(), "conectar con la base de datos del reporte");
         EXPECT_NE(e.codigo(), 0);
     }
     try {
-        auto f = abrirOdbc(connect(bd), consulta("{edoctacli.NoExiste}=1"));
+        auto f = abrirOdbc(cs, consulta("{edoctacli.NoExiste}=1"));
         f->siguiente();
         FAIL();
     } catch (const ErrorDatos& e) {
@@ -231,8 +199,7 @@ TEST(FilasOdbc, ErroresConContexto) {
     }
 }
 
-TEST(FilasOdbc, TablaSinClaveSeLeeEnUnBloqueYElSqlSeMuestra) {
-    BaseDeDatosDePrueba bd;
+TEST_F(FilasOdbc, TablaSinClaveSeLeeEnUnBloqueYElSqlSeMuestra) {
     bd.ejecutar(
         "CREATE TABLE sinclave (a INT, b VARCHAR(5));"
         "INSERT INTO sinclave VALUES (3,'x'),(1,'y'),(2,NULL),(1,'z')");
@@ -241,12 +208,9 @@ TEST(FilasOdbc, TablaSinClaveSeLeeEnUnBloqueYElSqlSeMuestra) {
     d.columnas = {{"t", "a"}};
     d.seleccion = "{t.a} < 3";
     d.orden = {"+{t.a}"};
-    Opciones o;
-    o.filasPorBloque = 1;
-    o.filasPorBloqueSinIndice = 1;
     ::setenv("TZOREP_DEBUG_SQL", "1", 1);
     ::testing::internal::CaptureStderr();
-    auto f = abrirOdbc(connect(bd), d, o);
+    auto f = abrirOdbc(cs, d, bloques(1, 1));
     std::vector<double> a;
     while (f->siguiente()) a.push_back(f->valor(0).comoNumero());
     const std::string err = ::testing::internal::GetCapturedStderr();
@@ -267,14 +231,12 @@ class Formulas : public formula::Contexto {
     }
 };
 
-TEST(FilasOdbc, FormulasDelReporteEnLaSeleccion) {
-    BaseDeDatosDePrueba bd;
-    bd.ejecutar(kTablas);
+TEST_F(FilasOdbc, FormulasDelReporteEnLaSeleccion) {
     Formulas externas;
     Opciones o;
     o.contexto = &externas;
     auto f = abrirOdbc(
-        connect(bd),
+        cs,
         consulta("{edoctacli.IdMoneda}=1 and {edoctacli.Importe} > {@Limite}", {"+{edoctacli.Id}"}),
         o);
     EXPECT_EQ(ids(*f), (std::vector<int>{1}));
@@ -310,11 +272,12 @@ TEST(Colacion, IgualQueLaDelServidor) {
     }
 }
 
-class ArchivoSqlite {
-  public:
-    explicit ArchivoSqlite(const std::filesystem::path& p) : ruta(p) {
+// A local data file with one table, as the forms' Auxiliar.mdb.
+class FilasSqlite : public ::testing::Test {
+  protected:
+    void SetUp() override {
         sqlite3* b = nullptr;
-        sqlite3_open(p.c_str(), &b);
+        sqlite3_open(archivo.c_str(), &b);
         sqlite3_exec(b,
                      "CREATE TABLE Titulo100 (Id INTEGER PRIMARY KEY, Encabezado TEXT, Fecha DATE,"
                      " Monto REAL);"
@@ -323,30 +286,25 @@ class ArchivoSqlite {
                      "(4,NULL,NULL,3),(5,'Niño ','2024-12-31',0)",
                      nullptr, nullptr, nullptr);
         sqlite3_close(b);
+        d.tablas = {{"Titulo100", "Titulo100"}};
+        d.orden = {"+{Titulo100.Id}"};
     }
-    std::filesystem::path ruta;
+    pruebas::CarpetaTemporal tmp;
+    const std::filesystem::path archivo = tmp / "Auxiliar.mdb";
+    DescripcionConsulta d;
 };
 
-TEST(FilasSqlite, SeleccionLocalComoEnMemoria) {
-    pruebas::CarpetaTemporal tmp;
-    ArchivoSqlite archivo(tmp / "Auxiliar.mdb");
-    const std::vector<std::string> selecciones = {
-        "{Titulo100.Encabezado}='NINO'",
-        "'DEVOLUCION' in {Titulo100.Encabezado}",
-        "'devolución' in {Titulo100.Encabezado}",
-        "{Titulo100.Fecha}>=Date(2024,1,2)",
-        "{Titulo100.Fecha}<Date(2024,1,2)",
-        "not ({Titulo100.Monto}>0)",
-        "{Titulo100.Encabezado}<'D' or {Titulo100.Monto} in [3]",
-        "Len({Titulo100.Encabezado})>5"};
-    for (const auto& sel : selecciones) {
+TEST_F(FilasSqlite, SeleccionLocalComoEnMemoria) {
+    for (const char* sel :
+         {"{Titulo100.Encabezado}='NINO'", "'DEVOLUCION' in {Titulo100.Encabezado}",
+          "'devolución' in {Titulo100.Encabezado}", "{Titulo100.Fecha}>=Date(2024,1,2)",
+          "{Titulo100.Fecha}<Date(2024,1,2)", "not ({Titulo100.Monto}>0)",
+          "{Titulo100.Encabezado}<'D' or {Titulo100.Monto} in [3]",
+          "Len({Titulo100.Encabezado})>5"}) {
         SCOPED_TRACE(sel);
-        DescripcionConsulta d;
-        d.tablas = {{"Titulo100", "Titulo100"}};
         d.columnas = {{"Titulo100", "Id"}};
         d.seleccion = sel;
-        d.orden = {"+{Titulo100.Id}"};
-        auto f = abrirSqlite(archivo.ruta, d);
+        auto f = abrirSqlite(archivo, d);
         std::vector<int> a;
         while (f->siguiente()) a.push_back(static_cast<int>(f->valor(0).comoNumero()));
         d.seleccion.clear();
@@ -354,7 +312,7 @@ TEST(FilasSqlite, SeleccionLocalComoEnMemoria) {
                       {"Titulo100", "Encabezado"},
                       {"Titulo100", "Fecha"},
                       {"Titulo100", "Monto"}};
-        auto todas = abrirSqlite(archivo.ruta, d);
+        auto todas = abrirSqlite(archivo, d);
         const formula::Formula fx = formula::analizar(sel);
         std::vector<int> b;
         while (todas->siguiente())
@@ -364,14 +322,10 @@ TEST(FilasSqlite, SeleccionLocalComoEnMemoria) {
     }
 }
 
-TEST(FilasSqlite, FechaCeroYArchivoFaltante) {
-    pruebas::CarpetaTemporal tmp;
-    ArchivoSqlite archivo(tmp / "Auxiliar.mdb");
-    DescripcionConsulta d;
-    d.tablas = {{"Titulo100", "Titulo100"}};
+TEST_F(FilasSqlite, FechaCeroYArchivoFaltante) {
     d.columnas = {{"Titulo100", "Fecha"}};
     d.seleccion = "{Titulo100.Id}=2";
-    auto f = abrirSqlite(archivo.ruta, d);
+    auto f = abrirSqlite(archivo, d);
     ASSERT_TRUE(f->siguiente());
     EXPECT_TRUE(f->valor(0).comoFecha().vacia());
     EXPECT_THROW(abrirSqlite(tmp / "NoHay.mdb", d), ErrorDatos);

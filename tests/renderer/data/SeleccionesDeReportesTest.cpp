@@ -3,7 +3,6 @@
 // fields it reads and filled with the values it compares against.
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <map>
 #include <set>
 
@@ -11,6 +10,7 @@
 #include "renderer/formula/Evaluador.h"
 #include "renderer/formula/Traductor.h"
 #include "support/Soporte.h"
+#include "tests/renderer/data/ConexionOdbc.h"
 #include "tests/renderer/formula/FormulasDeReportes.h"
 
 namespace paratzorep::renderer::data {
@@ -54,19 +54,7 @@ void recoger(const Nodo& n, std::map<std::string, std::map<std::string, Columna>
 
 TEST(SeleccionesDeReportes, MismasFilasEnElServidorYEnMemoria) {
     pruebas::BaseDeDatosDePrueba bd;
-    const auto& s = bd.servidor();
-    const std::string ini = (std::filesystem::temp_directory_path() /
-                             ("tz-odbc-sel-" + std::to_string(::getpid()) + ".ini"))
-                                .string();
-    if (std::getenv("ODBCINI") == nullptr) {
-        std::ofstream f(ini);
-        f << "[myodbc3-test]\nDriver=/usr/lib/x86_64-linux-gnu/odbc/libmaodbc.so\nSERVER=" << s.host
-          << "\nPORT=" << s.puerto << "\n";
-        f.close();
-        ::setenv("ODBCINI", ini.c_str(), 1);
-    }
-    const std::string cs = "DSN=myodbc3-test;SERVER=" + s.host + ";DB=" + bd.nombre() +
-                           ";UID=" + s.usuario + ";PWD=" + s.password;
+    const std::string cs = prueba::conexionOdbc(bd);
     int n = 0;
     for (const auto& sel : formula::prueba::seleccionesDeReportes()) {
         SCOPED_TRACE(sel);

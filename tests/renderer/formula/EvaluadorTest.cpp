@@ -1,14 +1,56 @@
 // Evaluation: values, three-valued logic, functions, kind errors.
 #include <gtest/gtest.h>
 
+#include <cctype>
+#include <map>
+#include <string>
+#include <tuple>
+
 #include "renderer/formula/Evaluador.h"
-#include "tests/renderer/formula/ContextoDePrueba.h"
 
 namespace paratzorep::renderer::formula {
 namespace {
 
-prueba::ContextoFila fila() {
-    prueba::ContextoFila c;
+// One row held in a map; summaries asked for are recorded.
+class ContextoFila : public Contexto {
+  public:
+    std::map<std::string, Valor> campos;     // "tabla.campo" in lower case
+    std::map<std::string, Valor> formulas_;  // by name
+    std::map<std::string, Valor> parametros_;
+    Valor valorResumen;
+    mutable std::vector<RefResumen> pedidos;
+
+    static std::string clave(std::string_view t, std::string_view c) {
+        std::string k = std::string(t) + "." + std::string(c);
+        for (auto& ch : k) ch = static_cast<char>(std::tolower(static_cast<unsigned char>(ch)));
+        return k;
+    }
+    ContextoFila& con(std::string_view t, std::string_view c, Valor v) {
+        campos[clave(t, c)] = std::move(v);
+        return *this;
+    }
+    Valor campo(std::string_view t, std::string_view c) const override {
+        auto it = campos.find(clave(t, c));
+        if (it == campos.end()) throw ErrorValor("campo desconocido " + clave(t, c));
+        return it->second;
+    }
+    Valor formula(std::string_view n) const override {
+        auto it = formulas_.find(std::string(n));
+        return it == formulas_.end() ? Contexto::formula(n) : it->second;
+    }
+    Valor parametro(std::string_view n) const override {
+        auto it = parametros_.find(std::string(n));
+        return it == parametros_.end() ? Contexto::parametro(n) : it->second;
+    }
+    Valor resumen(const RefResumen& r) const override {
+        pedidos.push_back(r);
+        return valorResumen;
+    }
+    Fecha fechaActual() const override { return Fecha{2024, 3, 5}; }
+};
+
+ContextoFila fila() {
+    ContextoFila c;
     c.con("t", "Num", Valor::numero(1234.5))
         .con("t", "Cero", Valor::numero(0))
         .con("t", "Texto", Valor::texto("Devolución Ctes. 12"))
@@ -132,48 +174,71 @@ TEST(Evaluacion, SeleccionSoloConservaVerdadero) {
 
 struct CasoFallo {
     const char* formula;
-    const char* mensaje;
+    int linea, columna;
+    const char* detalle;  // after "Error en la fórmula, línea L, columna C: "
 };
 
-class EvaluacionFallida : public ::testing::TestWithParam<CasoFallo> {};
+// The flag tells whether the formula parses and fails only when evaluated.
+class FormulaFallida : public ::testing::TestWithParam<std::tuple<bool, CasoFallo>> {};
 
-TEST_P(EvaluacionFallida, ErrorPosicionado) {
+TEST_P(FormulaFallida, ErrorPosicionado) {
+    const auto& [alEvaluar, c] = GetParam();
     const auto ctx = fila();
+    bool analizada = false;
     try {
-        evaluar(analizar(GetParam().formula), ctx);
+        const Formula f = analizar(c.formula);
+        analizada = true;
+        evaluar(f, ctx);
         FAIL() << "se esperaba un error";
     } catch (const ErrorFormula& e) {
-        EXPECT_STREQ(e.what(), GetParam().mensaje);
+        EXPECT_EQ(e.what(), "Error en la fórmula, línea " + std::to_string(c.linea) + ", columna " +
+                                std::to_string(c.columna) + ": " + c.detalle);
+        EXPECT_EQ(analizada, alEvaluar);
     }
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Casos, EvaluacionFallida,
-    ::testing::Values(
-        CasoFallo{"{t.Clave} = 1",
-                  "Error en la fórmula, línea 1, columna 1: no se puede comparar un "
-                  "valor de tipo texto con uno de tipo número"},
-        CasoFallo{"1 = 1 and {t.Num} / {t.Cero} > 1",
-                  "Error en la fórmula, línea 1, columna 11: división entre cero"},
-        CasoFallo{"Date(2024, 2, 30) = {t.Fecha}",
-                  "Error en la fórmula, línea 1, columna 1: la fecha 2024,2,30 no existe"},
-        CasoFallo{"{t.Fecha} + 'x'",
-                  "Error en la fórmula, línea 1, columna 1: no se puede sumar un "
-                  "valor de tipo fecha y uno de tipo texto"},
-        CasoFallo{"{t.NoExiste}",
-                  "Error en la fórmula, línea 1, columna 1: campo desconocido t.noexiste"},
-        CasoFallo{"{@NoHay}",
-                  "Error en la fórmula, línea 1, columna 1: la fórmula {@NoHay} no "
-                  "existe en el reporte"},
-        CasoFallo{"not 5",
-                  "Error en la fórmula, línea 1, columna 5: se esperaba una condición "
-                  "(verdadero o falso) y se encontró un valor de tipo número"},
-        CasoFallo{"5 in {t.Texto}",
-                  "Error en la fórmula, línea 1, columna 1: 'in' espera un texto y "
-                  "recibió un valor de tipo número"},
-        CasoFallo{
-            "Left('abc', -1)",
-            "Error en la fórmula, línea 1, columna 1: Left no admite una longitud negativa"}));
+    AlAnalizar, FormulaFallida,
+    ::testing::Combine(
+        ::testing::Values(false),
+        ::testing::Values(
+            CasoFallo{"({t.a} = 1 and", 1, 15,
+                      "se esperaba un valor y se encontró el final de la fórmula"},
+            CasoFallo{"Round({t.a}; 2)", 1, 12, "se esperaba ')' y se encontró ';'"},
+            CasoFallo{"Left({t.a} 2)", 1, 12, "se esperaba ')' y se encontró '2'"},
+            CasoFallo{"{t.a} = 'abc", 1, 9, "el texto que empieza aquí no tiene comilla de cierre"},
+            CasoFallo{"{t.a} = 'O'Higgins'", 1, 12,
+                      "se esperaba el final de la fórmula y se encontró 'Higgins'"},
+            CasoFallo{
+                "{ta} = 1", 1, 1,
+                "se esperaba un campo {tabla.campo}, {@fórmula} o {?parámetro} y se encontró {ta}"},
+            CasoFallo{"{t.a = 1", 1, 1, "falta '}' para cerrar la referencia"},
+            CasoFallo{"{t.a} = 1 #", 1, 11, "carácter inesperado '#'"},
+            CasoFallo{"{t.a} = 1\n and Foo(2)", 2, 6, "función o nombre desconocido 'Foo'"},
+            CasoFallo{"Mid('abc')", 1, 1, "la función Mid lleva de 2 a 3 argumentos y recibió 1"},
+            CasoFallo{"Sum(3)", 1, 5, "el resumen Sum se calcula sobre un campo o una fórmula"},
+            CasoFallo{"if {t.a} 1", 1, 10, "se esperaba 'then' y se encontró '1'"},
+            CasoFallo{"{t.a} = and", 1, 9, "se esperaba un valor y se encontró 'and'"})));
+
+INSTANTIATE_TEST_SUITE_P(
+    AlEvaluar, FormulaFallida,
+    ::testing::Combine(
+        ::testing::Values(true),
+        ::testing::Values(
+            CasoFallo{"{t.Clave} = 1", 1, 1,
+                      "no se puede comparar un valor de tipo texto con uno de tipo número"},
+            CasoFallo{"1 = 1 and {t.Num} / {t.Cero} > 1", 1, 11, "división entre cero"},
+            CasoFallo{"Date(2024, 2, 30) = {t.Fecha}", 1, 1, "la fecha 2024,2,30 no existe"},
+            CasoFallo{"{t.Fecha} + 'x'", 1, 1,
+                      "no se puede sumar un valor de tipo fecha y uno de tipo texto"},
+            CasoFallo{"{t.NoExiste}", 1, 1, "campo desconocido t.noexiste"},
+            CasoFallo{"{@NoHay}", 1, 1, "la fórmula {@NoHay} no existe en el reporte"},
+            CasoFallo{"not 5", 1, 5,
+                      "se esperaba una condición (verdadero o falso) y se encontró un valor de "
+                      "tipo número"},
+            CasoFallo{"5 in {t.Texto}", 1, 1,
+                      "'in' espera un texto y recibió un valor de tipo número"},
+            CasoFallo{"Left('abc', -1)", 1, 1, "Left no admite una longitud negativa"})));
 
 }  // namespace
 }  // namespace paratzorep::renderer::formula
