@@ -14,10 +14,6 @@ struct CasoUso {
     const char* mensaje;
 };
 
-void PrintTo(const CasoUso& c, std::ostream* os) {
-    *os << c.nombre;
-}
-
 class UsoDemoTest : public ::testing::TestWithParam<CasoUso> {};
 
 TEST_P(UsoDemoTest, TerminaConDosYUnMensajeSinIniciarNada) {

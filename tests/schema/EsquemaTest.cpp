@@ -5,6 +5,7 @@
 
 #include <fstream>
 #include <set>
+#include <sstream>
 
 #include "support/Soporte.h"
 
@@ -17,10 +18,6 @@ struct CasoDivision {
     std::vector<std::string> sentencias;
     std::vector<int> lineas;
 };
-
-void PrintTo(const CasoDivision& c, std::ostream* os) {
-    *os << c.nombre;
-}
 
 class DivisionTest : public ::testing::TestWithParam<CasoDivision> {};
 
@@ -96,15 +93,6 @@ class BaseTemporal {
     Conexion c_;
     std::string nombre_;
 };
-
-std::set<std::string> columnas(Conexion& c, const std::string& base, const std::string& tabla) {
-    std::set<std::string> r;
-    for (const auto& f : c.consultar("SELECT LOWER(COLUMN_NAME) FROM information_schema.COLUMNS "
-                                     "WHERE TABLE_SCHEMA='" +
-                                     base + "' AND TABLE_NAME='" + tabla + "'"))
-        r.insert(*f[0]);
-    return r;
-}
 
 // Tables and columns that the reports and engines read or write, by name.
 const std::vector<std::pair<const char*, const char*>> kColumnasEmpresa = {
@@ -218,27 +206,23 @@ const std::vector<std::pair<const char*, const char*>> kColumnasReportes = {
      "AlCostoProm"},
 };
 
-std::vector<std::string> partes(const std::string& lista) {
-    std::vector<std::string> r;
-    size_t i = 0;
-    while (i <= lista.size()) {
-        size_t j = lista.find(',', i);
-        if (j == std::string::npos) j = lista.size();
-        std::string p = lista.substr(i, j - i);
-        for (auto& c : p) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-        r.push_back(p);
-        i = j + 1;
-    }
-    return r;
-}
-
+// Each listed column exists (names compared in lower case, as the server keeps them).
 void compruebaColumnas(Conexion& c, const std::string& base,
                        const std::vector<std::pair<const char*, const char*>>& tablas) {
     for (const auto& [tabla, lista] : tablas) {
-        const auto hay = columnas(c, base, tabla);
+        std::set<std::string> hay;
+        for (const auto& f :
+             c.consultar("SELECT LOWER(COLUMN_NAME) FROM information_schema.COLUMNS "
+                         "WHERE TABLE_SCHEMA='" +
+                         base + "' AND TABLE_NAME='" + tabla + "'"))
+            hay.insert(*f[0]);
         EXPECT_FALSE(hay.empty()) << "falta la tabla " << tabla;
-        for (const auto& col : partes(lista))
+        std::istringstream columnas(lista);
+        for (std::string col; std::getline(columnas, col, ',');) {
+            for (auto& ch : col)
+                ch = static_cast<char>(std::tolower(static_cast<unsigned char>(ch)));
             EXPECT_TRUE(hay.count(col)) << "falta " << tabla << "." << col;
+        }
     }
 }
 
@@ -308,10 +292,6 @@ struct CasoError {
     int linea;
     const char* sql;
 };
-
-void PrintTo(const CasoError& c, std::ostream* os) {
-    *os << c.nombre;
-}
 
 class ErrorDeArchivoTest : public ::testing::TestWithParam<CasoError> {};
 

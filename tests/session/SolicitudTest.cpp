@@ -34,9 +34,6 @@ TEST(SolicitudTest, ListasEnOrdenDeIndiceYLimpieza) {
     EXPECT_TRUE(s.ArchivosDatos.empty());
     EXPECT_EQ(s.Destino, 0);
     EXPECT_EQ(s.Copias, 1);
-    HuboError() = true;
-    EXPECT_TRUE(HuboError());
-    HuboError() = false;
 }
 
 }  // namespace

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <iterator>
 
 #include "data/BaseDDMaria.h"
 #include "session/Sesion.h"
@@ -218,23 +217,13 @@ TEST_F(GuardiaTest, SinServidorUsaLaFechaDelEquipo) {
     EXPECT_EQ(g->beeps, 1);
 }
 
-class ConBaseDeEmpresa : public ConSesionLimpia {
+class ConBaseDeEmpresa : public apoyo::ConServidor {
   protected:
     void SetUp() override {
-        ConSesionLimpia::SetUp();
-        try {
-            base_ = std::make_unique<apoyo::BaseDeDatosDePrueba>();
-        } catch (const std::exception& e) {
-            GTEST_SKIP() << "sin servidor de prueba: " << e.what();
-        }
-        const auto& s = base_->servidor();
-        auto bd = std::make_shared<data::BaseDDMaria>();
-        bd->cRuta = s.host;
-        bd->cPuerto = s.puerto;
-        bd->cUsuario = s.usuario;
-        bd->cPassword = s.password;
-        bd->cMiBase = base_->nombre();
-        ASSERT_TRUE(bd->AbrirBdD(cn, base_->nombre())) << bd->UltimoError();
+        toolkit::RegistraToolkit();
+        sesion() = RegistroSesion{};
+        ConServidor::SetUp();
+        if (IsSkipped() || HasFatalFailure()) return;
         sesion().BaseDD = bd;
         base_->ejecutar(
             "CREATE TABLE configura (Dato VARCHAR(40) PRIMARY KEY, Valor TEXT);"
@@ -246,11 +235,9 @@ class ConBaseDeEmpresa : public ConSesionLimpia {
             "INSERT INTO clientes VALUES ('C1','Ana'),('O''X','Comilla')");
     }
     void TearDown() override {
-        if (sesion().BaseDD) sesion().BaseDD->CierraBdD(cn);
-        ConSesionLimpia::TearDown();
+        ConServidor::TearDown();
+        sesion() = RegistroSesion{};
     }
-    std::unique_ptr<apoyo::BaseDeDatosDePrueba> base_;
-    host::Conexion cn;
 };
 
 TEST_F(ConBaseDeEmpresa, ConfiguracionYCorreo) {
@@ -287,12 +274,6 @@ TEST_F(ConBaseDeEmpresa, BusquedasParidadHoraYFolio) {
     EXPECT_EQ(Foliar(cn, "entradas", "Folio", "A"), 5);
 }
 
-}  // namespace
-}  // namespace paratzorep::session
-
-namespace paratzorep::session {
-namespace {
-
 TEST_F(ConBaseDeEmpresa, IconosSeEscribenEnTempoImg) {
     apoyo::CarpetaTemporal imgs;
     sesion().RutaImgs = imgs.ruta().string();
@@ -301,9 +282,7 @@ TEST_F(ConBaseDeEmpresa, IconosSeEscribenEnTempoImg) {
         "INSERT INTO iconos VALUES (1,'Imprimir',X'89504E470D0A1A0A00FF'),(2,'Vacio',NULL)");
     const std::string esperado = imgs.ruta().string() + "/Tempo.img";
     EXPECT_EQ(IconoPorDescripcion(cn, "Imprimir", base_->nombre()), esperado);
-    std::ifstream in(esperado, std::ios::binary);
-    std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    EXPECT_EQ(bytes, std::string("\x89PNG\r\n\x1A\n\0\xFF", 10));
+    EXPECT_EQ(apoyo::LeeArchivo(esperado), std::string("\x89PNG\r\n\x1A\n\0\xFF", 10));
     EXPECT_EQ(IconoPorId(cn, 2, base_->nombre()), "");
     EXPECT_EQ(IconoPorDescripcion(cn, "o'tro", base_->nombre()), "");
 }

@@ -4,7 +4,6 @@
 
 #include <cstdlib>
 #include <fstream>
-#include <sstream>
 
 #include "host/Interaccion.h"
 #include "toolkit/Apoyo.h"
@@ -22,13 +21,7 @@ namespace paratzorep::toolkit {
 namespace {
 
 using apoyo::CarpetaTemporal;
-
-std::string Lee(const std::filesystem::path& p) {
-    std::ifstream in(p, std::ios::binary);
-    std::stringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
+constexpr auto Lee = apoyo::LeeArchivo;
 
 void Escribe(const std::filesystem::path& p, const std::string& texto) {
     std::ofstream(p, std::ios::binary) << texto;
@@ -49,12 +42,9 @@ TEST(IniTest, IdaYVueltaConSeccionesYClavesSinDistinguirMayusculas) {
     // One section header per section, keys kept in their section.
     EXPECT_EQ(Lee(archivo), "[General]\nRuta=/nueva\nOtra=2\n\n[Ventana]\nLinea=10\n");
     // No temporary file is left beside it.
-    int n = 0;
-    for (auto& e : std::filesystem::directory_iterator(tmp / "sub")) {
-        (void)e;
-        ++n;
-    }
-    EXPECT_EQ(n, 1);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(tmp / "sub"),
+                            std::filesystem::directory_iterator{}),
+              1);
 }
 
 TEST(IniTest, ConservaComentariosBomYFinesDeLineaWindows) {
@@ -250,12 +240,6 @@ TEST(BitacoraUsuariosTest, SentenciaCodificaConSusLlaves) {
     EXPECT_NE(sql.find(",156,"), std::string::npos);
     EXPECT_THROW(b.Graba(nullptr), host::ErrorDatos);
 }
-
-}  // namespace
-}  // namespace paratzorep::toolkit
-
-namespace paratzorep::toolkit {
-namespace {
 
 TEST(RegistroKvtz5Test, ValoresEnElArchivoDeConfiguracionDelUsuario) {
     apoyo::CarpetaTemporal tmp;

@@ -3,7 +3,6 @@
 
 #include <fstream>
 #include <random>
-#include <sstream>
 
 #include "data/BaseDDMaria.h"
 #include "toolkit/Apoyo.h"
@@ -14,41 +13,9 @@
 namespace paratzorep::toolkit {
 namespace {
 
-using apoyo::BaseDeDatosDePrueba;
 using apoyo::CarpetaTemporal;
-
-std::string Lee(const std::filesystem::path& p) {
-    std::ifstream in(p, std::ios::binary);
-    std::stringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
-
-class ConServidor : public ::testing::Test {
-  protected:
-    void SetUp() override {
-        try {
-            base_ = std::make_unique<BaseDeDatosDePrueba>();
-        } catch (const std::exception& e) {
-            GTEST_SKIP() << "sin servidor de prueba: " << e.what();
-        }
-        const auto& s = base_->servidor();
-        bd = std::make_shared<data::BaseDDMaria>();
-        bd->cRuta = s.host;
-        bd->cPuerto = s.puerto;
-        bd->cUsuario = s.usuario;
-        bd->cPassword = s.password;
-        bd->cMiBase = base_->nombre();
-        ASSERT_TRUE(bd->AbrirBdD(cn, base_->nombre())) << bd->UltimoError();
-    }
-    void TearDown() override {
-        if (bd) bd->CierraBdD(cn);
-    }
-
-    std::unique_ptr<BaseDeDatosDePrueba> base_;
-    std::shared_ptr<data::BaseDDMaria> bd;
-    host::Conexion cn;
-};
+using apoyo::ConServidor;
+using apoyo::LeeArchivo;
 
 class CamposBinTest : public ConServidor {
   protected:
@@ -81,19 +48,19 @@ TEST_F(CamposBinTest, GuardaYExtraeByteAByte) {
 
     std::string ruta = cb.ExtraeRPT("/ruta/ignorada/plantilla.rpt", (tmp / "salida").string());
     EXPECT_EQ(ruta, (tmp / "salida" / "plantilla.rpt").string());
-    EXPECT_EQ(Lee(ruta), datos);
+    EXPECT_EQ(LeeArchivo(ruta), datos);
 }
 
 TEST_F(CamposBinTest, JuntaEnOrdenDeRenglonYReemplazaVersionAnterior) {
     // Rows inserted out of order are joined by Renglon.
     base_->ejecutar(
         "INSERT INTO reportesbin VALUES ('a.rpt',2,'mundo'),('a.rpt',10,'!'),('a.rpt',1,'hola ')");
-    EXPECT_EQ(Lee(cb.ExtraeRPT("a.rpt", tmp.ruta().string())), "hola mundo!");
+    EXPECT_EQ(LeeArchivo(cb.ExtraeRPT("a.rpt", tmp.ruta().string())), "hola mundo!");
 
     std::ofstream(tmp / "nuevo.rpt", std::ios::binary) << "corto";
     EXPECT_EQ(cb.Guarda((tmp / "nuevo.rpt").string(), "a.rpt"), 1);
     EXPECT_EQ(base_->valor("SELECT COUNT(*) FROM reportesbin WHERE Archivo='a.rpt'"), "1");
-    EXPECT_EQ(Lee(cb.ExtraeRPT("a.rpt", tmp.ruta().string())), "corto");
+    EXPECT_EQ(LeeArchivo(cb.ExtraeRPT("a.rpt", tmp.ruta().string())), "corto");
 }
 
 TEST_F(CamposBinTest, ArchivoAusenteOvacioOconComillas) {
@@ -102,7 +69,7 @@ TEST_F(CamposBinTest, ArchivoAusenteOvacioOconComillas) {
     EXPECT_FALSE(cb.Existe("o'hara.rpt"));
     std::ofstream(tmp / "vacio.rpt", std::ios::binary);
     EXPECT_EQ(cb.Guarda((tmp / "vacio.rpt").string(), "o'hara.rpt"), 1);
-    EXPECT_EQ(Lee(cb.ExtraeRPT("o'hara.rpt", tmp.ruta().string())), "");
+    EXPECT_EQ(LeeArchivo(cb.ExtraeRPT("o'hara.rpt", tmp.ruta().string())), "");
     EXPECT_THROW(cb.Guarda((tmp / "no-hay.rpt").string()), std::runtime_error);
 }
 

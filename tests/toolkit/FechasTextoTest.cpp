@@ -77,8 +77,6 @@ TEST(FechaVaciaTest, MascaraYBlancosSonVacios) {
     EXPECT_TRUE(kv.FechaVacia("  /  /    "));
     EXPECT_FALSE(kv.FechaVacia("01/__/____"));
     EXPECT_FALSE(kv.FechaVacia("01/01/2024"));
-    EXPECT_EQ(kv.MascaraFecha(), "##/##/####");
-    EXPECT_EQ(kv.FormatoFecha(), "dd/mm/yyyy");
 }
 
 struct CasoVal {
