@@ -13,7 +13,6 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdlib>
-#include <cstring>
 #include <fstream>
 #include <mutex>
 #include <thread>
@@ -21,7 +20,8 @@
 namespace paratzorep::renderer {
 namespace {
 
-int PuertoCerrado() {
+// A TCP socket bound to a free loopback port, and that port.
+int SocketLocal(int& puerto) {
     int s = ::socket(AF_INET, SOCK_STREAM, 0);
     sockaddr_in a{};
     a.sin_family = AF_INET;
@@ -29,8 +29,15 @@ int PuertoCerrado() {
     ::bind(s, reinterpret_cast<sockaddr*>(&a), sizeof a);
     socklen_t largo = sizeof a;
     ::getsockname(s, reinterpret_cast<sockaddr*>(&a), &largo);
-    ::close(s);
-    return ntohs(a.sin_port);
+    puerto = ntohs(a.sin_port);
+    return s;
+}
+
+// The address of a port nobody listens on.
+std::string SinNadieEscuchando() {
+    int puerto = 0;
+    ::close(SocketLocal(puerto));
+    return "127.0.0.1:" + std::to_string(puerto);
 }
 
 class ServidorIpp {
@@ -43,17 +50,8 @@ class ServidorIpp {
 
     ServidorIpp(std::vector<std::string> colas, bool rechazar = false)
         : colas_(std::move(colas)), rechazar_(rechazar) {
-        escucha_ = ::socket(AF_INET, SOCK_STREAM, 0);
-        int si = 1;
-        ::setsockopt(escucha_, SOL_SOCKET, SO_REUSEADDR, &si, sizeof si);
-        sockaddr_in a{};
-        a.sin_family = AF_INET;
-        a.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        ::bind(escucha_, reinterpret_cast<sockaddr*>(&a), sizeof a);
+        escucha_ = SocketLocal(puerto_);
         ::listen(escucha_, 8);
-        socklen_t largo = sizeof a;
-        ::getsockname(escucha_, reinterpret_cast<sockaddr*>(&a), &largo);
-        puerto_ = ntohs(a.sin_port);
         hilo_ = std::thread([this] { Atender(); });
     }
     ~ServidorIpp() {
@@ -62,9 +60,9 @@ class ServidorIpp {
         hilo_.join();
         ::close(escucha_);
         std::lock_guard<std::mutex> l(mutex_);
-        for (int c : clientes_) ::shutdown(c, SHUT_RDWR);
+        for (http_t* c : clientes_) httpShutdown(c);
         for (auto& h : hilosClientes_) h.join();
-        for (int c : clientes_) ::close(c);
+        for (http_t* c : clientes_) httpClose(c);
     }
     std::string Direccion() const { return "127.0.0.1:" + std::to_string(puerto_); }
     std::vector<Peticion> Peticiones() {
@@ -73,26 +71,10 @@ class ServidorIpp {
     }
 
   private:
-    struct Lectura {
-        const std::string* datos;
-        std::size_t pos;
-    };
-    static ssize_t Leer(void* ctx, ipp_uchar_t* buf, size_t n) {
-        auto* l = static_cast<Lectura*>(ctx);
-        n = std::min(n, l->datos->size() - l->pos);
-        std::memcpy(buf, l->datos->data() + l->pos, n);
-        l->pos += n;
-        return static_cast<ssize_t>(n);
-    }
-    static ssize_t Escribir(void* ctx, ipp_uchar_t* buf, size_t n) {
-        static_cast<std::string*>(ctx)->append(reinterpret_cast<char*>(buf), n);
-        return static_cast<ssize_t>(n);
-    }
-
     void Atender() {
         while (!fin_) {
-            int c = ::accept(escucha_, nullptr, nullptr);
-            if (c < 0) return;
+            http_t* c = httpAcceptConnection(escucha_, 1);
+            if (c == nullptr) return;
             // libcups may hold one connection open while it opens another.
             std::lock_guard<std::mutex> l(mutex_);
             clientes_.push_back(c);
@@ -100,60 +82,45 @@ class ServidorIpp {
         }
     }
 
-    // Reads HTTP requests on one connection until the client closes it.
-    void Conexion(int c) {
-        std::string buf;
-        auto llenar = [&]() {
-            char b[8192];
-            ssize_t n = ::recv(c, b, sizeof b, 0);
-            if (n <= 0) return false;
-            buf.append(b, static_cast<std::size_t>(n));
-            return true;
-        };
+    // Answers the IPP requests of one connection until the client closes it; libcups's own
+    // HTTP server side handles "Expect: 100-continue" and chunked bodies.
+    void Conexion(http_t* c) {
+        char recurso[1024];
         for (;;) {
-            std::size_t fin;
-            while ((fin = buf.find("\r\n\r\n")) == std::string::npos)
-                if (!llenar()) return;
-            std::string cabecera = buf.substr(0, fin);
-            buf.erase(0, fin + 4);
-            for (auto& ch : cabecera) ch = static_cast<char>(std::tolower(ch));
-            if (cabecera.find("expect: 100-continue") != std::string::npos) {
-                std::string s = "HTTP/1.1 100 Continue\r\n\r\n";
-                ::send(c, s.data(), s.size(), MSG_NOSIGNAL);
+            http_state_t estado = httpReadRequest(c, recurso, sizeof recurso);
+            if (estado == HTTP_STATE_WAITING) {
+                httpWait(c, 100);
+                continue;
             }
-            std::string cuerpo;
-            if (cabecera.find("transfer-encoding: chunked") != std::string::npos) {
-                for (;;) {
-                    std::size_t eol;
-                    while ((eol = buf.find("\r\n")) == std::string::npos)
-                        if (!llenar()) return;
-                    std::size_t n = std::stoul(buf.substr(0, eol), nullptr, 16);
-                    while (buf.size() < eol + 2 + n + 2)
-                        if (!llenar()) return;
-                    cuerpo += buf.substr(eol + 2, n);
-                    buf.erase(0, eol + 2 + n + 2);
-                    if (n == 0) break;
-                }
-            } else {
-                std::size_t n = 0, p = cabecera.find("content-length:");
-                if (p != std::string::npos) n = std::stoul(cabecera.substr(p + 15));
-                while (buf.size() < n)
-                    if (!llenar()) return;
-                cuerpo = buf.substr(0, n);
-                buf.erase(0, n);
+            if (estado != HTTP_STATE_POST) return;
+            http_status_t campos;
+            while ((campos = httpUpdate(c)) == HTTP_STATUS_CONTINUE) {
             }
-            std::string respuesta = Responder(cuerpo);
-            std::string http =
-                "HTTP/1.1 200 OK\r\nContent-Type: application/ipp\r\nContent-Length: " +
-                std::to_string(respuesta.size()) + "\r\n\r\n" + respuesta;
-            ::send(c, http.data(), http.size(), MSG_NOSIGNAL);
+            if (campos != HTTP_STATUS_OK) return;
+            if (httpGetExpect(c) == HTTP_STATUS_CONTINUE)
+                httpWriteResponse(c, HTTP_STATUS_CONTINUE);
+            ipp_t* req = ippNew();
+            ipp_state_t ipp;
+            while ((ipp = ippRead(c, req)) != IPP_STATE_DATA && ipp != IPP_STATE_ERROR) {
+            }
+            std::string documento;
+            char b[8192];
+            for (ssize_t n; (n = httpRead2(c, b, sizeof b)) > 0;)
+                documento.append(b, static_cast<std::size_t>(n));
+            ipp_t* r = Responder(req, std::move(documento));
+            ippDelete(req);
+            httpClearFields(c);
+            httpSetField(c, HTTP_FIELD_CONTENT_TYPE, "application/ipp");
+            httpSetLength(c, ippLength(r));
+            httpWriteResponse(c, HTTP_STATUS_OK);
+            while ((ipp = ippWrite(c, r)) != IPP_STATE_DATA && ipp != IPP_STATE_ERROR) {
+            }
+            httpFlushWrite(c);
+            ippDelete(r);
         }
     }
 
-    std::string Responder(const std::string& cuerpo) {
-        ipp_t* req = ippNew();
-        Lectura l{&cuerpo, 0};
-        ippReadIO(&l, Leer, 1, nullptr, req);
+    ipp_t* Responder(ipp_t* req, std::string documento) {
         Peticion p;
         p.operacion = ippGetOperation(req);
         if (auto* a = ippFindAttribute(req, "printer-uri", IPP_TAG_URI))
@@ -162,9 +129,7 @@ class ServidorIpp {
             p.titulo = ippGetString(a, 0, nullptr);
         if (auto* a = ippFindAttribute(req, "copies", IPP_TAG_INTEGER))
             p.copias = ippGetInteger(a, 0);
-        p.documento = cuerpo.substr(l.pos);
-        int id = ippGetRequestId(req);
-        ippDelete(req);
+        p.documento = std::move(documento);
         {
             std::lock_guard<std::mutex> g(mutex_);
             peticiones_.push_back(p);
@@ -172,7 +137,7 @@ class ServidorIpp {
 
         ipp_t* r = ippNew();
         ippSetVersion(r, 2, 0);
-        ippSetRequestId(r, id);
+        ippSetRequestId(r, ippGetRequestId(req));
         ippAddString(r, IPP_TAG_OPERATION, IPP_TAG_CHARSET, "attributes-charset", nullptr, "utf-8");
         ippAddString(r, IPP_TAG_OPERATION, IPP_TAG_LANGUAGE, "attributes-natural-language", nullptr,
                      "es");
@@ -221,10 +186,7 @@ class ServidorIpp {
                 break;
         }
         ippSetStatusCode(r, estado);
-        std::string salida;
-        ippWriteIO(&salida, Escribir, 1, nullptr, r);
-        ippDelete(r);
-        return salida;
+        return r;
     }
 
     std::vector<std::string> colas_;
@@ -235,7 +197,7 @@ class ServidorIpp {
     std::thread hilo_;
     std::mutex mutex_;
     std::vector<Peticion> peticiones_;
-    std::vector<int> clientes_;
+    std::vector<http_t*> clientes_;
     std::vector<std::thread> hilosClientes_;
 };
 
@@ -268,7 +230,7 @@ class ImpresoraTest : public ::testing::Test {
 };
 
 TEST_F(ImpresoraTest, SinServidorElArchivoSeConserva) {
-    std::string servidor = "127.0.0.1:" + std::to_string(PuertoCerrado());
+    std::string servidor = SinNadieEscuchando();
     std::string mensaje;
     EXPECT_EQ(Falla({pdf_, "contabilidad", 1, "Saldos", servidor}, &mensaje),
               ErrorImpresion::Motivo::SinServidor);
@@ -281,7 +243,7 @@ TEST_F(ImpresoraTest, SinServidorElArchivoSeConserva) {
 }
 
 TEST_F(ImpresoraTest, SinServidorPorLaVariableCupsServer) {
-    std::string servidor = "127.0.0.1:" + std::to_string(PuertoCerrado());
+    std::string servidor = SinNadieEscuchando();
     ::setenv("CUPS_SERVER", servidor.c_str(), 1);
     cupsSetServer(nullptr);  // libcups reads the variable again
     TrabajoImpresion t{pdf_, "", 2, "", "", true};

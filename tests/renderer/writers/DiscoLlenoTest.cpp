@@ -1,5 +1,6 @@
-// A full disk, simulated with a file-size limit: every writer reports it with its own
-// message, leaves no partial file and keeps the earlier file of the same name.
+// Write failures in every writer: a full disk (simulated with a file-size limit) and a
+// missing folder. Each is reported with a clear message naming the file, leaves no
+// partial file and keeps the earlier file of the same name.
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
@@ -51,37 +52,47 @@ void PrintTo(const CasoDisco& c, std::ostream* os) {
     *os << c.extension;
 }
 
-class DiscoLleno : public ::testing::TestWithParam<CasoDisco> {};
+// Writes 100 pages of 50 rows (far more than 16 KB in any format) and returns the
+// message of the ErrorEscritura it ends in, checking that it names the file.
+std::string EscribeReporteLargo(const CasoDisco& caso, const std::filesystem::path& ruta) {
+    try {
+        auto w = caso.crear(ruta.string());
+        Documento doc;
+        doc.titulo = "Lleno";
+        w->Inicia(doc);
+        std::uint32_t banda = 0;
+        for (int pagina = 0; pagina < 100; ++pagina) {
+            renderer::Pagina p;
+            for (int fila = 0; fila < 50; ++fila, ++banda) {
+                double y = 40 + fila * 14;
+                p.textos.push_back(Texto(TipoBanda::Detalle, banda, 36, y, 200,
+                                         "Cliente número " + std::to_string(banda)));
+                p.textos.push_back(
+                    Numero(TipoBanda::Detalle, banda, 300, y, 80, banda * 1.5, "1.50"));
+            }
+            w->Pagina(p);
+        }
+        w->Termina();
+    } catch (const ErrorEscritura& e) {
+        EXPECT_EQ(e.archivo(), ruta.string());
+        return e.what();
+    }
+    ADD_FAILURE() << "se esperaba ErrorEscritura";
+    return "";
+}
 
-TEST_P(DiscoLleno, ErrorClaroSinArchivoParcialYElAnteriorIntacto) {
+class FalloDeEscritura : public ::testing::TestWithParam<CasoDisco> {
+  protected:
     CarpetaTemporal carpeta;
+};
+
+TEST_P(FalloDeEscritura, DiscoLlenoDaErrorClaroSinArchivoParcialYElAnteriorIntacto) {
     auto ruta = carpeta / ("reporte." + GetParam().extension);
     std::ofstream(ruta) << "anterior";
     std::string mensaje;
     {
         LimiteDeArchivo limite(16 * 1024);
-        try {
-            // 100 pages of 50 rows: far more than 16 KB in any format.
-            auto w = GetParam().crear(ruta.string());
-            Documento doc;
-            doc.titulo = "Lleno";
-            w->Inicia(doc);
-            std::uint32_t banda = 0;
-            for (int pagina = 0; pagina < 100; ++pagina) {
-                renderer::Pagina p;
-                for (int fila = 0; fila < 50; ++fila, ++banda) {
-                    double y = 40 + fila * 14;
-                    p.textos.push_back(Texto(TipoBanda::Detalle, banda, 36, y, 200,
-                                             "Cliente número " + std::to_string(banda)));
-                    p.textos.push_back(
-                        Numero(TipoBanda::Detalle, banda, 300, y, 80, banda * 1.5, "1.50"));
-                }
-                w->Pagina(p);
-            }
-            w->Termina();
-        } catch (const ErrorEscritura& e) {
-            mensaje = e.what();
-        }
+        mensaje = EscribeReporteLargo(GetParam(), ruta);
     }
     EXPECT_NE(mensaje.find("No se pudo"), std::string::npos) << mensaje;
     std::ifstream in(ruta);
@@ -92,8 +103,15 @@ TEST_P(DiscoLleno, ErrorClaroSinArchivoParcialYElAnteriorIntacto) {
         EXPECT_EQ(e.path(), ruta) << "sobra " << e.path();
 }
 
+TEST_P(FalloDeEscritura, CarpetaInexistenteDaErrorClaroYNoCreaNada) {
+    auto ruta = carpeta / "falta" / ("reporte." + GetParam().extension);
+    auto mensaje = EscribeReporteLargo(GetParam(), ruta);
+    EXPECT_NE(mensaje.find("No se pudo"), std::string::npos) << mensaje;
+    EXPECT_TRUE(std::filesystem::is_empty(carpeta.ruta()));
+}
+
 INSTANTIATE_TEST_SUITE_P(
-    Escritores, DiscoLleno,
+    Escritores, FalloDeEscritura,
     ::testing::Values(CasoDisco{"pdf",
                                 [](const std::string& ruta) {
                                     // The fonts of the pages below, registered once.

@@ -14,7 +14,6 @@
 
 namespace paratzorep::renderer::prueba {
 
-// Words of a PDF with their boxes, through pdftotext.
 // A two-page report in the page model: title and column heads in the page header,
 // three detail rows, a group footer total and a page footer.
 inline ElementoTexto Texto(TipoBanda tipo, std::uint32_t banda, double x, double y, double ancho,
@@ -108,19 +107,11 @@ inline void Escribir(Escritor& w) {
         renderer::Pagina p;
         p.numero = pg;
         auto t = [&p](double x, double y, double ancho, std::string s, Alineacion a, int f = 0) {
-            ElementoTexto e;
-            e.x = x;
-            e.y = y;
-            e.ancho = ancho;
-            e.alto = 12;
+            auto e = Texto(TipoBanda::Detalle, 0, x, y, ancho, std::move(s), a);
             e.base = 9;
             e.fuente = static_cast<std::uint16_t>(f);
-            e.alineacion = a;
-            double m = 5.0 * static_cast<double>(s.size());
-            double dx = a == Alineacion::Derecha  ? ancho - m
-                        : a == Alineacion::Centro ? (ancho - m) / 2
-                                                  : 0;
-            e.renglones.push_back({std::move(s), dx, m});
+            auto& r = e.renglones[0];
+            if (a == Alineacion::Centro) r.dx = (ancho - r.ancho) / 2;
             p.textos.push_back(std::move(e));
         };
         t(36, 40, 520, "Saldos de clientes — página " + std::to_string(pg), Alineacion::Centro, 1);
@@ -138,6 +129,7 @@ inline void Escribir(Escritor& w) {
     w.Termina();
 }
 
+// Words of a PDF with their boxes, through pdftotext.
 struct Palabra {
     int pagina;
     double x0, y0, x1;

@@ -6,8 +6,11 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <map>
 #include <memory>
+#include <ostream>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -87,6 +90,46 @@ inline bool HayPrograma(const std::string& programa) {
 
 inline bool HayModuloPython(const std::string& modulo) {
     return Ejecutar("/usr/bin/python3 -c 'import " + modulo + "' 2>/dev/null").estado == 0;
+}
+
+// A workbook as lector.py reads it in its xls and xlsx modes.
+struct CeldaLeida {
+    std::string tipo, valor, formato;
+    bool negrita = false;
+    bool operator==(const CeldaLeida&) const = default;
+};
+inline void PrintTo(const CeldaLeida& c, std::ostream* os) {
+    *os << c.tipo << " '" << c.valor << "' " << c.formato << (c.negrita ? " negrita" : "");
+}
+struct HojaLeida {
+    std::string nombre;
+    long filas = 0, columnas = 0;
+    std::string anchos;
+    std::map<std::pair<long, long>, CeldaLeida> celdas;
+    const CeldaLeida& at(long fila, long columna) const { return celdas.at({fila, columna}); }
+};
+struct LibroLeido {
+    std::vector<HojaLeida> hojas;
+    std::string formulas;  // formulas in the sheets' XML (xlsx only)
+};
+
+// `maximo` limits the cells read per sheet to its first and last `maximo` rows.
+inline LibroLeido LeerLibro(const std::string& modo, const std::filesystem::path& archivo,
+                            int maximo = 0) {
+    auto s = Ejecutar(Lector() + " " + modo + " " + Comillas(archivo.string()) +
+                      (maximo ? " " + std::to_string(maximo) : "") + " 2>&1");
+    if (s.estado != 0) throw std::runtime_error("lector.py " + modo + ": " + s.texto);
+    LibroLeido libro;
+    for (const auto& c : Campos(s.texto)) {
+        if (c[0] == "HOJA")
+            libro.hojas.push_back({c[1], std::stol(c[2]), std::stol(c[3]), c[4], {}});
+        else if (c[0] == "CELDA")
+            libro.hojas.back().celdas[{std::stol(c[1]), std::stol(c[2])}] = {c[3], c[4], c[5],
+                                                                             c[6] == "1"};
+        else if (c[0] == "FORMULAS")
+            libro.formulas = c[1];
+    }
+    return libro;
 }
 
 }  // namespace paratzorep::renderer::prueba

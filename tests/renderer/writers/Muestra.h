@@ -2,6 +2,7 @@
 // a title, column headings, dates, amounts, group totals and "page N of M".
 #pragma once
 
+#include <ctime>
 #include <string>
 #include <vector>
 
@@ -94,6 +95,19 @@ inline FuentePrueba DatosMuestra(int clientes) {
         {{"ENCABEZADO", Valor::texto("Antigüedad de saldos")},
          {"TEXTOLLAVE", Valor::texto("Movto.")},
          {"UsuarioImpresion", Valor::texto("Impreso por: ADMIN")}});
+}
+
+// Lays out the sample report with `clientes` customers, printed at `ahora`, replays it to
+// the writers and returns the page count.
+inline int RenderMuestra(int clientes, Medidor& medidor, const std::vector<Escritor*>& escritores,
+                         std::time_t ahora = 1709640000) {
+    Plantilla p = LeePlantillaTexto(kPlantillaMuestra, "muestra.rpt");
+    auto datos = DatosMuestra(clientes);
+    ListaPaginas lista;
+    Maquetador m(p, medidor, ahora);
+    auto r = m.Maqueta(datos, lista);
+    lista.Reproduce(m.DocumentoSalida(), medidor, escritores);
+    return r.paginas;
 }
 
 }  // namespace paratzorep::renderer::prueba

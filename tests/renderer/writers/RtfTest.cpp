@@ -4,9 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <regex>
-
 #include "Documentos.h"
 #include "Lector.h"
 #include "renderer/writers/ErrorEscritura.h"
@@ -14,7 +11,6 @@
 namespace paratzorep::renderer {
 namespace {
 
-using prueba::CarpetaTemporal;
 using namespace prueba;
 
 TEST(TextoRtf, EscapesYUnicode) {
@@ -41,21 +37,21 @@ TEST(LineasRtf, AgrupaPorLineaBaseYOrdenaPorX) {
                                      {100, 10, 50, Alineacion::Izquierda, 0, 9, &a},
                                      {101, 150, 160, Alineacion::Izquierda, 0, 9, &c}});
     ASSERT_EQ(lineas.size(), 2u);
-    ASSERT_EQ(lineas[0].size(), 3u);
-    EXPECT_EQ(*lineas[0][0].texto, "a");
-    EXPECT_EQ(*lineas[0][1].texto, "c");
-    EXPECT_EQ(*lineas[0][2].texto, "b");
-    EXPECT_EQ(*lineas[1][0].texto, "d");
+    std::vector<std::string> orden;
+    for (const auto& l : lineas)
+        for (const auto& t : l) orden.push_back(*t.texto);
+    EXPECT_EQ(orden, (std::vector<std::string>{"a", "c", "b", "d"}));
+    EXPECT_EQ(lineas[1].size(), 1u);
 }
 
 TEST(EscritorRtf, UnrtfLeeLineasConSusColumnas) {
-    if (!prueba::HayPrograma("unrtf")) GTEST_SKIP() << "unrtf no está instalado";
+    if (!HayPrograma("unrtf")) GTEST_SKIP() << "unrtf no está instalado";
     CarpetaTemporal carpeta;
     auto ruta = carpeta / "saldos.rtf";
     Escribir(*CreaEscritorRtf(ruta.string()));
-    auto s = prueba::Ejecutar(prueba::Lector() + " rtf " + ruta.string());
+    auto s = Ejecutar(Lector() + " rtf " + ruta.string());
     ASSERT_EQ(s.estado, 0);
-    auto lineas = prueba::Campos(s.texto);
+    auto lineas = Campos(s.texto);
     ASSERT_EQ(lineas.size(), 2u * (kFilas + 1));
     EXPECT_EQ(lineas[0][1], "Saldos de clientes — página 1");
     for (int i = 0; i < kFilas; ++i)
@@ -64,12 +60,10 @@ TEST(EscritorRtf, UnrtfLeeLineasConSusColumnas) {
     EXPECT_EQ(lineas[kFilas + 1][1], "Saldos de clientes — página 2");
 }
 
-TEST(EscritorRtf, SinIniciarOCarpetaInexistente) {
+TEST(EscritorRtf, PaginaSinIniciarEsUnError) {
     CarpetaTemporal carpeta;
     EscritorRtf sinIniciar(carpeta / "a.rtf");
     EXPECT_THROW(sinIniciar.Pagina(renderer::Pagina{}), ErrorEscritura);
-    EscritorRtf sinCarpeta(carpeta / "no" / "a.rtf");
-    EXPECT_THROW(sinCarpeta.Inicia(Documento{}), ErrorEscritura);
 }
 
 }  // namespace

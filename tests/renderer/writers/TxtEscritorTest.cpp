@@ -6,8 +6,7 @@
 #include <set>
 #include <sstream>
 
-#include "renderer/writers/ErrorEscritura.h"
-#include "renderer/writers/Muestra.h"
+#include "Muestra.h"
 
 namespace paratzorep::renderer {
 namespace {
@@ -47,6 +46,7 @@ struct CasoColumna {
     const char* nombre;
     std::vector<ElementoTexto> textos;
     std::vector<std::string> esperado;
+    std::vector<ElementoLinea> lineas = {};
 };
 
 class RejillaTxt : public ::testing::TestWithParam<CasoColumna> {};
@@ -54,6 +54,7 @@ class RejillaTxt : public ::testing::TestWithParam<CasoColumna> {};
 TEST_P(RejillaTxt, ColocaCadaTextoEnSuColumna) {
     Pagina p;
     p.textos = GetParam().textos;
+    p.lineas = GetParam().lineas;
     EXPECT_EQ(Rejilla(p), GetParam().esperado);
 }
 
@@ -80,31 +81,21 @@ INSTANTIATE_TEST_SUITE_P(
         CasoColumna{"HuecoGrandeDejaRenglonEnBlanco",
                     {Texto(10, 10, 54, "uno"), Texto(10, 10 + 31.5, 54, "dos")},
                     {"uno", "", "", "dos"}},
-        CasoColumna{"Acentos", {Texto(10, 10, 54, "Núñez")}, {"Núñez"}}),
+        CasoColumna{"Acentos", {Texto(10, 10, 54, "Núñez")}, {"Núñez"}},
+        CasoColumna{"ReglaHorizontalComoGuiones",
+                    {Texto(10, 10, 54, "Total")},
+                    {"Total", "--------"},
+                    {{10, 25, 10 + 5.4 * 8, 25, 0.5}}}),
     [](const auto& info) { return std::string(info.param.nombre); });
 
-TEST(TxtEscritor, ReglaHorizontalComoGuiones) {
-    Pagina p;
-    p.textos.push_back(Texto(10, 10, 54, "Total"));
-    p.lineas.push_back({10, 25, 10 + 5.4 * 8, 25, 0.5});
-    auto r = Rejilla(p);
-    ASSERT_EQ(r.size(), 2u);
-    EXPECT_EQ(r[1], "--------");
-}
-
 TEST(TxtEscritor, MuestraConColumnasAlineadasYSaltoDePagina) {
-    Plantilla pl = LeePlantillaTexto(prueba::kPlantillaMuestra, "muestra.rpt");
-    auto datos = prueba::DatosMuestra(20);
     Medidor medidor;
-    ListaPaginas lista;
-    Maquetador m(pl, medidor, 0);
-    auto res = m.Maqueta(datos, lista);
     std::ostringstream salida;
     TxtEscritor escritor(salida, "\f");
-    lista.Reproduce(m.DocumentoSalida(), medidor, {&escritor});
+    int paginas = prueba::RenderMuestra(20, medidor, {&escritor}, 0);
     std::string texto = salida.str();
-    EXPECT_EQ(std::count(texto.begin(), texto.end(), '\f'), res.paginas - 1);
-    EXPECT_NE(texto.find("Página 1 de " + std::to_string(res.paginas)), std::string::npos);
+    EXPECT_EQ(std::count(texto.begin(), texto.end(), '\f'), paginas - 1);
+    EXPECT_NE(texto.find("Página 1 de " + std::to_string(paginas)), std::string::npos);
     // Every amount line ends in the same column.
     std::istringstream in(texto);
     std::set<std::size_t> finales;
@@ -116,11 +107,6 @@ TEST(TxtEscritor, MuestraConColumnasAlineadasYSaltoDePagina) {
             std::count_if(linea.begin(), linea.end(), [](char c) { return (c & 0xC0) != 0x80; })));
     }
     EXPECT_EQ(finales.size(), 1u);
-}
-
-TEST(TxtEscritor, ArchivoEnCarpetaInexistente) {
-    TxtEscritor escritor("/no/existe/reporte.txt");
-    EXPECT_THROW(escritor.Inicia(Doc()), ErrorEscritura);
 }
 
 }  // namespace

@@ -124,20 +124,13 @@ def rtf(ruta):
 
 
 def main():
-    modo, ruta = sys.argv[1], sys.argv[2]
-    resto = sys.argv[3:]
-    if modo == "xls":
-        xls(ruta, int(resto[0]) if resto else None)
-    elif modo == "xlsx":
-        xlsx(ruta, int(resto[0]) if resto else None)
-    elif modo == "cfb":
-        cfb(ruta, resto)
-    elif modo == "rtf":
-        rtf(ruta)
-    elif modo == "csv":
-        csv_(ruta)
-    else:
+    modo, ruta, resto = sys.argv[1], sys.argv[2], sys.argv[3:]
+    maximo = int(resto[0]) if resto and modo in ("xls", "xlsx") else None
+    lectores = {"xls": lambda: xls(ruta, maximo), "xlsx": lambda: xlsx(ruta, maximo),
+                "cfb": lambda: cfb(ruta, resto), "rtf": lambda: rtf(ruta), "csv": lambda: csv_(ruta)}
+    if modo not in lectores:
         sys.exit("modo desconocido: " + modo)
+    lectores[modo]()
 
 
 if __name__ == "__main__":
