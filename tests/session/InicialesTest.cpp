@@ -112,14 +112,6 @@ TEST(VarianteTest, ConversionBooleana) {
     EXPECT_FALSE(ABooleano(Variante{std::string("quizá")}));
 }
 
-TEST_F(InicialesTest, EjecutarProcederDesdeVariantes) {
-    Iniciales ini;
-    ini.EjecutarProceder(std::string("True"));
-    EXPECT_TRUE(sesion().EjecutarProceder);
-    ini.EjecutarProceder(std::int64_t{0});
-    EXPECT_FALSE(sesion().EjecutarProceder);
-}
-
 TEST_F(InicialesTest, AsignaPorNombreSinDistinguirMayusculas) {
     Iniciales ini;
     EXPECT_TRUE(ini.AsignaPorNombre("rutatanzo", "/home/x"));
