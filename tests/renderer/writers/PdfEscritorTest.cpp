@@ -14,11 +14,8 @@ namespace paratzorep::renderer {
 namespace {
 
 using prueba::CarpetaTemporal;
+using prueba::Ejecutar;
 using prueba::RenderMuestra;
-
-std::string Ejecuta(const std::string& orden) {
-    return prueba::Ejecutar(orden).texto;
-}
 
 TEST(PdfEscritor, SeLeeConPdftotextConColumnasAlineadasYPaginaDeTotal) {
     CarpetaTemporal tmp;
@@ -27,7 +24,7 @@ TEST(PdfEscritor, SeLeeConPdftotextConColumnasAlineadasYPaginaDeTotal) {
     PdfEscritor escritor(pdf, medidor);
     int paginas = RenderMuestra(20, medidor, {&escritor});
     ASSERT_GE(paginas, 2);
-    std::string texto = Ejecuta("pdftotext -layout '" + pdf + "' -");
+    std::string texto = Ejecutar("pdftotext -layout '" + pdf + "' -").texto;
     EXPECT_NE(texto.find("Antigüedad de saldos"), std::string::npos);
     EXPECT_NE(texto.find("Ferretería Núñez"), std::string::npos);
     EXPECT_NE(texto.find("Página 1 de " + std::to_string(paginas)), std::string::npos);
@@ -38,7 +35,7 @@ TEST(PdfEscritor, SeLeeConPdftotextConColumnasAlineadasYPaginaDeTotal) {
 
     // Amounts end at the same x on every line of the first page (word boxes as read back
     // by pdftotext).
-    std::string cajas = Ejecuta("pdftotext -bbox -f 1 -l 1 '" + pdf + "' -");
+    std::string cajas = Ejecutar("pdftotext -bbox -f 1 -l 1 '" + pdf + "' -").texto;
     std::regex palabra(
         R"re(<word xMin="([\d.]+)" yMin="[\d.]+" xMax="([\d.]+)" yMax="[\d.]+">(\d{1,3}(,\d{3})*\.\d\d)</word>)re");
     double minimo = 1e9, maximo = 0;
@@ -53,7 +50,7 @@ TEST(PdfEscritor, SeLeeConPdftotextConColumnasAlineadasYPaginaDeTotal) {
     EXPECT_LT(maximo - minimo, 0.5) << "importes desalineados";
 
     // Fonts are embedded.
-    std::string fuentes = Ejecuta("pdffonts '" + pdf + "'");
+    std::string fuentes = Ejecutar("pdffonts '" + pdf + "'").texto;
     EXPECT_NE(fuentes.find("DejaVuSans"), std::string::npos);
     EXPECT_EQ(fuentes.find(" no  "), std::string::npos) << fuentes;
 }
