@@ -4,7 +4,9 @@
 #include <zlib.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
+#include <cstring>
 #include <fstream>
 #include <system_error>
 
@@ -180,6 +182,13 @@ LibroXlsx::LibroXlsx(std::filesystem::path archivo, std::string nombreHoja,
       nombreHoja_(detail::NombreHojaValido(nombreHoja)),
       filasPorHoja_(std::clamp<std::uint32_t>(filasPorHoja, 2, kFilasPorHoja)) {
     if (archivo_.empty()) throw ErrorEscritura("No se indicó el nombre del archivo");
+    // libxlsxwriter creates its file only when the workbook closes, and then reports a failure
+    // in English on stderr: make sure here, as every writer does, that the file can be made.
+    errno = 0;
+    if (!std::ofstream(parcial_, std::ios::binary | std::ios::trunc)) {
+        throw ErrorEscritura("No se pudo crear el archivo", archivo_.string(),
+                             errno ? std::strerror(errno) : "no se pudo abrir");
+    }
     lxw_workbook_options opciones{};
     opciones.constant_memory = LXW_TRUE;
     libro_ = workbook_new_opt(parcial_.string().c_str(), &opciones);
