@@ -105,7 +105,9 @@ TEST(ServidorPrivadoVida, IniciarRechazarDetenerYReiniciarConservaDatos) {
     }
     const double rechazo = segundosDesde(t0);
     std::printf("[ medida ] segundo inicio rechazado en %.3f s\n", rechazo);
-    EXPECT_LT(rechazo, 1.0);
+    // mariadbd itself would wait about 30 s on the data folder's lock; the bound is loose so
+    // that a loaded machine does not fail it.
+    EXPECT_LT(rechazo, 10.0);
     EXPECT_EQ(servidor.estado().pid, e.pid);
 
     {
