@@ -13,11 +13,12 @@ namespace paratzorep::renderer::data::detail {
 std::string tablaSql(const std::string& origen, formula::Dialecto d);
 
 // "SELECT <columns> FROM <tables and joins>" for the given columns; a non-empty
-// entry of `expresiones` replaces the column at its position.
+// entry of `expresiones` replaces the column at its position. With `alias`, the i-th
+// column is named c<i> (for a table made from the result).
 std::string seleccionarDesde(const DescripcionConsulta& d,
                              const std::vector<formula::RefCampo>& columnas,
                              formula::Dialecto dialecto,
-                             const std::vector<std::string>& expresiones = {});
+                             const std::vector<std::string>& expresiones = {}, bool alias = false);
 
 // Adds c to v unless it is there already (names without regard to letter case).
 int agregarColumna(std::vector<formula::RefCampo>& v, const formula::RefCampo& c);

@@ -103,14 +103,16 @@ std::string tablaSql(const std::string& origen, formula::Dialecto d) {
 std::string seleccionarDesde(const DescripcionConsulta& d,
                              const std::vector<formula::RefCampo>& columnas,
                              formula::Dialecto dialecto,
-                             const std::vector<std::string>& expresiones) {
+                             const std::vector<std::string>& expresiones, bool alias) {
     if (d.tablas.empty())
         throw ErrorDatos("armar la consulta del reporte", "el reporte no lee ninguna tabla");
     std::string s = "SELECT ";
-    for (std::size_t i = 0; i < columnas.size(); ++i)
+    for (std::size_t i = 0; i < columnas.size(); ++i) {
         s += (i ? ", " : "") + (i < expresiones.size() && !expresiones[i].empty()
                                     ? expresiones[i]
                                     : formula::columnaSql(columnas[i], dialecto));
+        if (alias) s += " AS c" + std::to_string(i);
+    }
     s += " FROM " + tablaSql(d.tablas[0].origen, dialecto) + " AS " +
          formula::identificadorSql(d.tablas[0].nombre, dialecto);
     for (std::size_t i = 1; i < d.tablas.size(); ++i) {

@@ -89,6 +89,9 @@ struct Opciones {
     // Rows per block when the first sort field leads no index: each block then
     // makes the server sort the whole selection, so blocks are fewer and larger.
     std::size_t filasPorBloqueSinIndice = 200000;
+    // When the first sort field leads no index, sort what follows the first block once into
+    // a temporary table on the server (falls back to filasPorBloqueSinIndice if refused).
+    bool ordenEnTablaTemporal = true;
     // Named formulas and parameters that the remaining selection may use; the
     // row's fields come from the stream itself.
     const formula::Contexto* contexto = nullptr;

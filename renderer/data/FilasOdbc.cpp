@@ -304,10 +304,13 @@ class FilasOdbc : public Filas {
     bool esFloat(const RefCampo& c) { return catalogoTiene("COLUMNS", c, "DATA_TYPE = 'float'"); }
 
     void armarClaves() {
-        // Without an index for the first sort field every block costs the server a
-        // sort of the whole selection: fewer, larger blocks then.
+        // Without an index for the first sort field every block costs the server a sort of
+        // the whole selection. The first block stays small (the server keeps only its rows
+        // while it sorts: the first page comes soon); the rest is sorted once into a table
+        // (materializar) or, where that is not allowed, read in fewer, larger blocks.
         bloque_ = std::max<std::size_t>(1, opciones_.filasPorBloque);
-        if (!orden_.empty() && !encabezaIndice(orden_.front().campo))
+        sinIndice_ = !orden_.empty() && !encabezaIndice(orden_.front().campo);
+        if (sinIndice_ && !opciones_.ordenEnTablaTemporal)
             bloque_ = std::max(bloque_, opciones_.filasPorBloqueSinIndice);
         columnasSql_ = columnas_;
         for (const auto& o : orden_) {
@@ -358,7 +361,53 @@ class FilasOdbc : public Filas {
         return s + " OR (" + col + " = " + lit + " AND " + resto + "))";
     }
 
+    // " ORDER BY k1 ASC, k2 DESC ..." over the paging keys ("" without keys).
+    std::string ordenSql() const {
+        std::string r;
+        for (std::size_t i = 0; i < claves_.size(); ++i)
+            r += (i ? ", " : " ORDER BY ") + claves_[i].expr + (claves_[i].desc ? " DESC" : " ASC");
+        return r;
+    }
+
+    // The rest of the selection, after the first block, sorted once into a temporary table
+    // numbered in that order: each later block is a range of the number, not another sort
+    // of the whole selection. Where the server refuses the table (no right to temporary
+    // tables, no default database) the rest is read as before, in larger blocks.
+    void materializar() {
+        materializado_ = true;
+        std::string where = donde_;
+        const std::string k = despuesDe(0);
+        where = where.empty() ? k : "(" + where + ") AND " + k;
+        const std::string sql =
+            std::string("CREATE TEMPORARY TABLE ") + kTablaOrden +
+            " (tz_n BIGINT UNSIGNED NOT NULL AUTO_INCREMENT PRIMARY KEY) ENGINE=Aria " +
+            seleccionarDesde(desc_, columnasSql_, Dialecto::MariaDB, expresiones_, true) +
+            " WHERE " + where + ordenSql();
+        try {
+            consultar(sql);
+        } catch (const ErrorDatos&) {
+            bloque_ = std::max(bloque_, opciones_.filasPorBloqueSinIndice);
+            return;
+        }
+        const std::size_t n = columnasSql_.size();
+        base_ = "SELECT ";
+        for (std::size_t i = 0; i < n; ++i) base_ += "c" + std::to_string(i) + ", ";
+        base_ += std::string("tz_n FROM ") + kTablaOrden;
+        donde_.clear();
+        const RefCampo numero{kTablaOrden, "tz_n"};
+        columnasSql_.push_back(numero);
+        claves_ = {Clave{numero, false, static_cast<int>(n), "tz_n"}};
+        ultimos_.clear();
+        inicioBloque_.clear();
+        // The table's columns are described again on its first block.
+        clases_.clear();
+        anchos_.clear();
+    }
+
     void abrirBloque() {
+        if (sinIndice_ && paginado_ && !materializado_ && !ultimos_.empty() &&
+            opciones_.ordenEnTablaTemporal)
+            materializar();
         std::string sql = base_;
         std::string where = donde_;
         if (paginado_ && !ultimos_.empty()) {
@@ -371,11 +420,7 @@ class FilasOdbc : public Filas {
             where = where.empty() ? k : "(" + where + ") AND " + k;
         }
         if (!where.empty()) sql += " WHERE " + where;
-        if (!claves_.empty()) {
-            sql += " ORDER BY ";
-            for (std::size_t i = 0; i < claves_.size(); ++i)
-                sql += (i ? ", " : "") + claves_[i].expr + (claves_[i].desc ? " DESC" : " ASC");
-        }
+        sql += ordenSql();
         if (paginado_)
             sql += " LIMIT " + std::to_string(bloque_);
         else
@@ -490,6 +535,9 @@ class FilasOdbc : public Filas {
     std::vector<std::pair<bool, std::string>> ultimos_;       // last row's keys: (null, literal)
     std::vector<std::pair<bool, std::string>> inicioBloque_;  // keys the current block follows
     bool paginado_ = false;
+    bool sinIndice_ = false;      // the first sort field leads no index
+    bool materializado_ = false;  // the rest was sorted into kTablaOrden (or refused)
+    static constexpr const char* kTablaOrden = "tz_orden";
     bool terminado_ = false;
     std::size_t enBloque_ = 0;
     std::size_t bloque_ = 0;  // rows per block

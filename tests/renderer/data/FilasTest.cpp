@@ -145,14 +145,43 @@ TEST_F(FilasOdbc, PaginasConservanOrdenYFilas) {
     }
 }
 
-TEST_F(FilasOdbc, BloquesMayoresSiElOrdenNoTieneIndice) {
+// An order that no index leads: a small first block, then the rest sorted once into a
+// temporary table and read by its row number; or, when that is not wanted, larger blocks.
+TEST_F(FilasOdbc, OrdenSinIndiceSeOrdenaUnaVez) {
     const Opciones o = bloques(2, 500);
     auto conIndice = abrirOdbc(cs, consulta("", {"-{edoctacli.Id}"}), o);
     EXPECT_EQ(ids(*conIndice), (std::vector<int>{8, 7, 6, 5, 4, 3, 2, 1}));
     EXPECT_NE(conIndice->sqlEnviado().back().find(" LIMIT 2"), std::string::npos);
-    auto sinIndice = abrirOdbc(cs, consulta("", {"+{edoctacli.Importe}"}), o);
-    EXPECT_EQ(ids(*sinIndice, "+{edoctacli.Importe}").size(), 8u);
-    EXPECT_NE(sinIndice->sqlEnviado().back().find(" LIMIT 500"), std::string::npos);
+    for (const auto& sql : conIndice->sqlEnviado())
+        EXPECT_EQ(sql.find("TEMPORARY"), std::string::npos) << sql;
+
+    for (const char* orden : {"+{edoctacli.Importe}", "-{clientes.Zona}"}) {
+        SCOPED_TRACE(orden);
+        auto uno = abrirOdbc(cs, consulta("{edoctacli.Id}<>3", {orden}), bloques(1000, 1000));
+        const auto esperado = ids(*uno, orden);
+        ASSERT_EQ(esperado.size(), 7u);
+        auto sinIndice = abrirOdbc(cs, consulta("{edoctacli.Id}<>3", {orden}), o);
+        EXPECT_EQ(ids(*sinIndice, orden), esperado);
+        const auto& sql = sinIndice->sqlEnviado();
+        int creadas = 0, leidasDeLaTabla = 0;
+        for (const auto& s : sql) {
+            if (s.rfind("CREATE TEMPORARY TABLE tz_orden", 0) == 0) {
+                ++creadas;
+                // The rest: the selection and what follows the first block.
+                EXPECT_NE(s.find("`edoctacli`.`Id` <> 3"), std::string::npos) << s;
+                EXPECT_NE(s.find(" ORDER BY "), std::string::npos) << s;
+            }
+            if (s.find("FROM tz_orden") != std::string::npos) ++leidasDeLaTabla;
+        }
+        EXPECT_EQ(creadas, 1);
+        EXPECT_GE(leidasDeLaTabla, 3);  // five rows after the first block, two a block
+
+        Opciones sinTabla = o;
+        sinTabla.ordenEnTablaTemporal = false;
+        auto grandes = abrirOdbc(cs, consulta("{edoctacli.Id}<>3", {orden}), sinTabla);
+        EXPECT_EQ(ids(*grandes, orden), esperado);
+        EXPECT_NE(grandes->sqlEnviado().back().find(" LIMIT 500"), std::string::npos);
+    }
 }
 
 TEST_F(FilasOdbc, ClaveFloatEntreBloques) {
