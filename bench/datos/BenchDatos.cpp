@@ -29,6 +29,9 @@ int main(int argc, char** argv) {
     if (argc > 6) d.orden = {argv[6]};
     data::Opciones o;
     if (argc > 5) o.filasPorBloque = std::strtoul(argv[5], nullptr, 10);
+    // ADELANTADO=0 reads each block only when the previous one is consumed (for comparison).
+    if (const char* a = std::getenv("ADELANTADO"); a && std::string(a) == "0")
+        o.leerAdelantado = false;
     try {
         const auto t0 = std::chrono::steady_clock::now();
         auto f = data::abrirOdbc(argv[1], d, o);

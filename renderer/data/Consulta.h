@@ -92,6 +92,8 @@ struct Opciones {
     // When the first sort field leads no index, sort what follows the first block once into
     // a temporary table on the server (falls back to filasPorBloqueSinIndice if refused).
     bool ordenEnTablaTemporal = true;
+    // Read the next block on a second connection while the current one is consumed.
+    bool leerAdelantado = true;
     // Named formulas and parameters that the remaining selection may use; the
     // row's fields come from the stream itself.
     const formula::Contexto* contexto = nullptr;

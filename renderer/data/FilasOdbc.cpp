@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <future>
 
 #include "renderer/data/ArmadoSql.h"
 #include "renderer/data/Consulta.h"
@@ -133,7 +134,8 @@ class FilasOdbc : public Filas {
         const auto t = formula::traducirSeleccion(seleccion_, Dialecto::MariaDB);
         donde_ = t.sql;
         resto_ = t.resto;
-        conectar(connect);
+        connect_ = connect;
+        conectar(dbc_, connect);
         armarClaves();
         base_ = seleccionarDesde(desc_, columnasSql_, Dialecto::MariaDB, expresiones_);
     }
@@ -175,10 +177,14 @@ class FilasOdbc : public Filas {
     }
 
   private:
-    void conectar(std::string connect) {
-        env_ = Manejador(SQL_HANDLE_ENV, SQL_NULL_HANDLE, "preparar ODBC");
-        SQLSetEnvAttr(env_.get(), SQL_ATTR_ODBC_VERSION, reinterpret_cast<void*>(SQL_OV_ODBC3), 0);
-        dbc_ = Manejador(SQL_HANDLE_DBC, env_.get(), "preparar la conexión ODBC");
+    // Connects `dbc` (allocated here) with the report's connection string.
+    void conectar(Manejador& dbc, std::string connect) {
+        if (!env_.get()) {
+            env_ = Manejador(SQL_HANDLE_ENV, SQL_NULL_HANDLE, "preparar ODBC");
+            SQLSetEnvAttr(env_.get(), SQL_ATTR_ODBC_VERSION, reinterpret_cast<void*>(SQL_OV_ODBC3),
+                          0);
+        }
+        dbc = Manejador(SQL_HANDLE_DBC, env_.get(), "preparar la conexión ODBC");
         // Texts in UTF-8, as the formulas and the writers expect them.
         std::string bajo = connect;
         for (auto& c : bajo) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
@@ -189,19 +195,48 @@ class FilasOdbc : public Filas {
         SQLCHAR salida[1024];
         SQLSMALLINT largo = 0;
         const SQLRETURN r =
-            SQLDriverConnect(dbc_.get(), nullptr, reinterpret_cast<SQLCHAR*>(connect.data()),
+            SQLDriverConnect(dbc.get(), nullptr, reinterpret_cast<SQLCHAR*>(connect.data()),
                              static_cast<SQLSMALLINT>(connect.size()), salida, sizeof salida,
                              &largo, SQL_DRIVER_NOPROMPT);
-        if (!SQL_SUCCEEDED(r)) fallarOdbc(dbc_, "conectar con la base de datos del reporte");
-        conectado_ = true;
+        if (!SQL_SUCCEEDED(r)) fallarOdbc(dbc, "conectar con la base de datos del reporte");
+        (&dbc == &dbc_ ? conectado_ : conectado2_) = true;
         // Text literals are written with backslash escapes; make sure they are read so.
-        consultar("SET SESSION sql_mode = REPLACE(@@sql_mode, 'NO_BACKSLASH_ESCAPES', '')");
+        const std::string modo =
+            "SET SESSION sql_mode = REPLACE(@@sql_mode, 'NO_BACKSLASH_ESCAPES', '')";
+        if (&dbc == &dbc_) {
+            consultar(modo);
+        } else {
+            ejecutar(dbc, modo, false);
+        }
+    }
+
+    // Runs a statement on `dbc` and returns it, its result (buffered by the driver) ready.
+    // Touches nothing of this object but the handles: the next block runs on another thread.
+    static std::unique_ptr<Manejador> ejecutar(const Manejador& dbc, std::string sql,
+                                               bool desplazable) {
+        auto st =
+            std::make_unique<Manejador>(SQL_HANDLE_STMT, dbc.get(), "leer los datos del reporte");
+        if (desplazable)
+            SQLSetStmtAttr(st->get(), SQL_ATTR_CURSOR_TYPE,
+                           reinterpret_cast<SQLPOINTER>(SQL_CURSOR_STATIC), 0);
+        if (!SQL_SUCCEEDED(SQLExecDirect(st->get(), reinterpret_cast<SQLCHAR*>(sql.data()),
+                                         static_cast<SQLINTEGER>(sql.size()))))
+            fallarOdbc(*st, "leer los datos del reporte", sql);
+        return st;
     }
 
   public:
     ~FilasOdbc() override {
+        if (adelantado_.valid()) {
+            try {
+                adelantado_.get();
+            } catch (const std::exception&) {
+                // The block read ahead is not wanted any more, nor its error.
+            }
+        }
         stmt_.reset();
         if (conectado_) SQLDisconnect(dbc_.get());
+        if (conectado2_) SQLDisconnect(dbc2_.get());
     }
 
   private:
@@ -404,10 +439,8 @@ class FilasOdbc : public Filas {
         anchos_.clear();
     }
 
-    void abrirBloque() {
-        if (sinIndice_ && paginado_ && !materializado_ && !ultimos_.empty() &&
-            opciones_.ordenEnTablaTemporal)
-            materializar();
+    // The statement of the next block: after the last keys read, in key order.
+    std::string sqlBloque() {
         std::string sql = base_;
         std::string where = donde_;
         if (paginado_ && !ultimos_.empty()) {
@@ -421,16 +454,33 @@ class FilasOdbc : public Filas {
         }
         if (!where.empty()) sql += " WHERE " + where;
         sql += ordenSql();
-        if (paginado_)
-            sql += " LIMIT " + std::to_string(bloque_);
-        else
-            terminado_ = true;  // read in one go
-        stmt_ =
-            std::make_unique<Manejador>(SQL_HANDLE_STMT, dbc_.get(), "leer los datos del reporte");
-        registrarSql(sql);
-        if (!SQL_SUCCEEDED(SQLExecDirect(stmt_->get(), reinterpret_cast<SQLCHAR*>(sql.data()),
-                                         static_cast<SQLINTEGER>(sql.size()))))
-            fallarOdbc(*stmt_, "leer los datos del reporte", sql);
+        if (paginado_) sql += " LIMIT " + std::to_string(bloque_);
+        return sql;
+    }
+
+    // Whether the next block is read on a second connection while this one is consumed:
+    // the server then works on it while the rows of this one are converted and laid out.
+    // Not while the order waits for its table (a temporary table is seen by its own
+    // connection only).
+    bool adelantable() const {
+        return opciones_.leerAdelantado && paginado_ &&
+               !(sinIndice_ && opciones_.ordenEnTablaTemporal);
+    }
+
+    void abrirBloque() {
+        if (sinIndice_ && paginado_ && !materializado_ && !ultimos_.empty() &&
+            opciones_.ordenEnTablaTemporal)
+            materializar();
+        if (adelantado_.valid()) {
+            stmt_ = adelantado_.get();
+            enSegunda_ = !enSegunda_;
+        } else {
+            const std::string sql = sqlBloque();
+            registrarSql(sql);
+            stmt_ = ejecutar(dbc_, sql, adelantable());
+            enSegunda_ = false;
+        }
+        if (!paginado_) terminado_ = true;  // read in one go
         if (clases_.empty()) {
             SQLSMALLINT n = 0;
             SQLNumResultCols(stmt_->get(), &n);
@@ -451,6 +501,30 @@ class FilasOdbc : public Filas {
         }
         if (enlazado_) enlazar();
         if (paginado_) terminado_ = false;
+        if (adelantable() && enlazado_) adelantar();
+    }
+
+    // A full block: its last row's keys (the driver holds the whole block) start the next
+    // block on the other connection, on another thread; then back to the first rowset. The
+    // two connections take turns, so that no connection is used by two threads at once.
+    void adelantar() {
+        SQLLEN filas = -1;
+        SQLRowCount(stmt_->get(), &filas);
+        if (filas >= 0 && static_cast<std::size_t>(filas) < bloque_) return;  // the last block
+        const SQLRETURN r = SQLFetchScroll(stmt_->get(), SQL_FETCH_LAST, 0);
+        if (r == SQL_NO_DATA || lote_ == 0) return;
+        if (!SQL_SUCCEEDED(r)) fallarOdbc(*stmt_, "leer los datos del reporte", sql_.back());
+        guardarClavesEnlazadas(lote_ - 1);
+        if (!conectado2_) conectar(dbc2_, connect_);
+        const std::string sql = sqlBloque();
+        registrarSql(sql);
+        const Manejador* otra = enSegunda_ ? &dbc_ : &dbc2_;
+        adelantado_ =
+            std::async(std::launch::async, [otra, sql] { return ejecutar(*otra, sql, true); });
+        // The first rowset is read from the buffers, then SQLFetch goes on from there.
+        const SQLRETURN p = SQLFetchScroll(stmt_->get(), SQL_FETCH_FIRST, 0);
+        if (!SQL_SUCCEEDED(p)) fallarOdbc(*stmt_, "leer los datos del reporte", sql_.back());
+        posLote_ = 0;
     }
 
     void enlazar() {
@@ -523,8 +597,11 @@ class FilasOdbc : public Filas {
     }
 
     DescripcionConsulta desc_;
-    Manejador env_, dbc_;
+    std::string connect_;
+    Manejador env_, dbc_, dbc2_;  // dbc2_: the blocks read ahead
     bool conectado_ = false;
+    bool conectado2_ = false;
+    bool enSegunda_ = false;  // stmt_ was run on dbc2_
     std::unique_ptr<Manejador> stmt_;
     std::string donde_;
     std::string base_;
@@ -549,6 +626,8 @@ class FilasOdbc : public Filas {
     std::vector<std::vector<SQLLEN>> inds_;
     SQLULEN lote_ = 0;
     SQLULEN posLote_ = 0;
+    // The next block, executed on dbc2_ by another thread (last: waited for first).
+    std::future<std::unique_ptr<Manejador>> adelantado_;
 };
 
 }  // namespace detail

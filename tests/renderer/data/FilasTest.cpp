@@ -184,6 +184,32 @@ TEST_F(FilasOdbc, OrdenSinIndiceSeOrdenaUnaVez) {
     }
 }
 
+// Blocks read ahead on a second connection: blocks larger than a rowset of the driver,
+// orders an index leads (the primary key; an indexed column with ties) in both directions.
+TEST_F(FilasOdbc, BloquesLeidosPorAdelantadoSinRepetirNiPerder) {
+    bd.ejecutar(
+        "CREATE TABLE muchos (Id INT PRIMARY KEY, Grupo INT, KEY Grupo (Grupo));"
+        "INSERT INTO muchos WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n "
+        "WHERE i < 999) SELECT i, (i * 7919) % 37 FROM n");
+    for (const char* orden : {"+{edoctacli.Id}", "-{edoctacli.Id}", "+{edoctacli.Grupo}"}) {
+        SCOPED_TRACE(orden);
+        DescripcionConsulta d;
+        d.tablas = {{"edoctacli", "muchos"}};
+        d.columnas = {{"edoctacli", "Id"}};
+        d.seleccion = "{edoctacli.Id} <> 700";
+        d.orden = {orden};
+        auto uno = abrirOdbc(cs, d, bloques(5000, 5000));
+        const auto esperado = ids(*uno, orden);
+        ASSERT_EQ(esperado.size(), 998u);
+        for (bool adelantado : {true, false}) {
+            Opciones o = bloques(300, 300);
+            o.leerAdelantado = adelantado;
+            auto f = abrirOdbc(cs, d, o);
+            EXPECT_EQ(ids(*f, orden), esperado) << "adelantado " << adelantado;
+        }
+    }
+}
+
 TEST_F(FilasOdbc, ClaveFloatEntreBloques) {
     bd.ejecutar(
         "CREATE TABLE flt (Id INT PRIMARY KEY, f FLOAT);"
