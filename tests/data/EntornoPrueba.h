@@ -68,12 +68,7 @@ class ConBase : public ::testing::Test {
         // The general database, which AbrirBdD opens for an empty name.
         bd->ejecutar("CREATE DATABASE IF NOT EXISTS generaltanzo");
         nombreBase = bd->nombre();
-        base = std::make_shared<BaseEspia>();
-        base->cRuta = servidor->host;
-        base->cPuerto = servidor->puerto;
-        base->cUsuario = servidor->usuario;
-        base->cPassword = servidor->password;
-        base->cMiBase = nombreBase;
+        base = pruebas::baseDD<BaseEspia>(*servidor, nombreBase);
     }
 
     // Opens a connection on the scratch database (fails the test otherwise).

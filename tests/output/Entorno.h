@@ -50,13 +50,7 @@ class ConAlmacen : public ::testing::Test {
     void SetUp() override {
         bd.emplace();
         bd->ejecutar(kTablasAlmacen);
-        const auto& sv = bd->servidor();
-        base = std::make_shared<data::BaseDDMaria>();
-        base->cRuta = sv.host;
-        base->cUsuario = sv.usuario;
-        base->cPassword = sv.password;
-        base->cPuerto = sv.puerto;
-        base->cMiBase = bd->nombre();
+        base = pruebas::baseDD(bd->servidor(), bd->nombre());
         auto& s = session::sesion();
         s.BaseDD = base;
         s.DatosConecte = std::make_shared<host::DatosConecte>();

@@ -65,12 +65,7 @@ class MarcoTest : public ::testing::Test {
             "'0000-00-00', Importe INT);"
             "INSERT INTO movs (Fecha, Importe) VALUES ('0000-00-00',1),('2024-03-05',2),"
             "('2023-11-20',3),('2024-01-10',4)");
-        base = std::make_shared<data::BaseDDMaria>();
-        base->cRuta = servidor.host;
-        base->cPuerto = servidor.puerto;
-        base->cUsuario = servidor.usuario;
-        base->cPassword = servidor.password;
-        base->cMiBase = bd->nombre();
+        base = pruebas::baseDD(servidor, bd->nombre());
         auto& s = session::sesion();
         s.BaseDD = base;
         s.DatosConecte = std::make_shared<host::DatosConecte>();

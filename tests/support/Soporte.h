@@ -23,6 +23,7 @@
 #include <utility>
 #include <vector>
 
+#include "data/BaseDDMaria.h"
 #include "data/ServidorPrivado.h"
 
 namespace paratzorep::pruebas {
@@ -75,6 +76,19 @@ class BaseDeDatosDePrueba {
     std::string nombre_;
     Conexion conexion_;
 };
+
+// Our data-access object (or a subclass of it) pointed at the run's server and the database
+// `base`, not yet connected.
+template <class B = data::BaseDDMaria>
+std::shared_ptr<B> baseDD(const data::DatosServidor& servidor, const std::string& base) {
+    auto b = std::make_shared<B>();
+    b->cRuta = servidor.host;
+    b->cPuerto = servidor.puerto;
+    b->cUsuario = servidor.usuario;
+    b->cPassword = servidor.password;
+    b->cMiBase = base;
+    return b;
+}
 
 // A fresh folder under the system's temporary folder, removed with its contents.
 class CarpetaTemporal {

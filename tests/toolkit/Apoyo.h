@@ -40,12 +40,7 @@ class ConServidor : public ::testing::Test {
             GTEST_SKIP() << "sin servidor de prueba: " << e.what();
         }
         const auto& s = base_->servidor();
-        bd = std::make_shared<data::BaseDDMaria>();
-        bd->cRuta = s.host;
-        bd->cPuerto = s.puerto;
-        bd->cUsuario = s.usuario;
-        bd->cPassword = s.password;
-        bd->cMiBase = base_->nombre();
+        bd = pruebas::baseDD(s, base_->nombre());
         ASSERT_TRUE(bd->AbrirBdD(cn, base_->nombre())) << bd->UltimoError();
     }
     void TearDown() override {
