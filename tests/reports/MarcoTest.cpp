@@ -88,11 +88,7 @@ class MarcoTest : public ::testing::Test {
         session::sesion() = session::RegistroSesion{};
     }
 
-    int TablasDeTrabajo() {
-        return std::stoi(bd->valor("SELECT COUNT(*) FROM information_schema.tables WHERE "
-                                   "table_schema=DATABASE() AND table_name LIKE 'tbltemp%'")
-                             .value_or("0"));
-    }
+    int TablasDeTrabajo() const { return bd->tablasDeTrabajo(); }
 
     pruebas::CarpetaTemporal tmp;
     std::optional<pruebas::BaseDeDatosDePrueba> bd;

@@ -70,6 +70,12 @@ class BaseDeDatosDePrueba {
     std::vector<std::vector<std::string>> filas(const std::string& sql) const {
         return pruebas::filas(mysql(), sql);
     }
+    // The report work tables ("tbltemp...") in this database.
+    int tablasDeTrabajo() const {
+        return std::stoi(valor("SELECT COUNT(*) FROM information_schema.tables WHERE "
+                               "table_schema=DATABASE() AND table_name LIKE 'tbltemp%'")
+                             .value_or("-1"));
+    }
 
   private:
     data::DatosServidor servidor_;

@@ -83,11 +83,7 @@ class CmdPrint : public ::testing::Test {
         args.insert(args.end(), extra.begin(), extra.end());
         return Tzorep(args);
     }
-    int TablasDeTrabajo() {
-        return std::stoi(bd->valor("SELECT COUNT(*) FROM information_schema.tables WHERE "
-                                   "table_schema=DATABASE() AND table_name LIKE 'tbltemp%'")
-                             .value_or("-1"));
-    }
+    int TablasDeTrabajo() const { return bd->tablasDeTrabajo(); }
 
     pruebas::CarpetaTemporal tmp;
     std::optional<pruebas::BaseDeDatosDePrueba> bd;
