@@ -1,4 +1,9 @@
-// Rows from MariaDB through unixODBC, read in keyset-paged blocks.
+// Rows from MariaDB through unixODBC, read in keyset-paged blocks: the driver holds a whole
+// result in memory, so a block is at most Opciones::filasPorBloque rows and the next one starts
+// after the last row's sort keys (the table's unique key ends them). The next block runs on a
+// second connection while the current one is consumed. When no index leads the order, the rest
+// of the selection after the first block is sorted once into a temporary table and read by row
+// number.
 #include <sql.h>
 #include <sqlext.h>
 
