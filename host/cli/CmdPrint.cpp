@@ -141,6 +141,9 @@ int cmdPrint(const Contexto& ctx, const std::vector<std::string>& args) {
             }
             return 1;
         }
+        // The screen preview already stopped quietly if its reader went away (`| head`); any
+        // other failure of standard output made the print fail above.
+        if (forma->Destino() == 0) return 0;
         if (forma->Destino() == 2) std::cout << forma->ArchivoSalida << "\n";
     } catch (const std::exception& e) {
         std::cerr << "tzorep: " << e.what() << "\n";

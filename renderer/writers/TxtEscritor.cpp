@@ -162,12 +162,24 @@ std::vector<std::string> TxtEscritor::Rejilla(const renderer::Pagina& pagina) co
 }
 
 void TxtEscritor::Pagina(const renderer::Pagina& pagina) {
+    if (lectorCerrado_) return;
+    errno = 0;
     if (!primera_) *salida_ << separador_;
     primera_ = false;
     for (const auto& l : Rejilla(pagina)) *salida_ << l << '\n';
-    if (!*salida_)
+    if (!*salida_) {
+        if (LectorSeFue()) return;
         throw ErrorEscritura("No se pudo escribir el archivo de texto", archivo_,
                              std::strerror(errno));
+    }
+}
+
+bool TxtEscritor::LectorSeFue() {
+    // A preview read through a pipe whose reader has gone (a pager closed, `| head`): the
+    // rest is not wanted. Files never end this way.
+    if (archivoSalida_ || errno != EPIPE) return false;
+    lectorCerrado_ = true;
+    return true;
 }
 
 void TxtEscritor::Termina() {
@@ -177,8 +189,10 @@ void TxtEscritor::Termina() {
         archivoSalida_.reset();
         return;
     }
+    if (lectorCerrado_) return;
+    errno = 0;
     salida_->flush();
-    if (!*salida_)
+    if (!*salida_ && !LectorSeFue())
         throw ErrorEscritura("No se pudo escribir el archivo de texto", archivo_,
                              std::strerror(errno));
 }

@@ -36,6 +36,8 @@ class TxtEscritor : public Escritor {
     double anchoColumna_ = 5;
     double altoRenglon_ = 10;
     bool primera_ = true;
+    bool lectorCerrado_ = false;  // the stream's reader went away: nothing more is written
+    bool LectorSeFue();
 };
 
 }  // namespace paratzorep::renderer

@@ -2,11 +2,18 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
+#include <unistd.h>
+#include <ext/stdio_filebuf.h>
+
 #include <algorithm>
+#include <csignal>
+#include <fstream>
 #include <set>
 #include <sstream>
 
 #include "Muestra.h"
+#include "renderer/writers/ErrorEscritura.h"
 
 namespace paratzorep::renderer {
 namespace {
@@ -107,6 +114,39 @@ TEST(TxtEscritor, MuestraConColumnasAlineadasYSaltoDePagina) {
             std::count_if(linea.begin(), linea.end(), [](char c) { return (c & 0xC0) != 0x80; })));
     }
     EXPECT_EQ(finales.size(), 1u);
+}
+
+// The preview on standard output: a reader that goes away (a pager closed, `| head`) ends the
+// preview quietly; a stream that fails otherwise (a full disk) is still an error.
+TEST(TxtEscritor, LectorQueSeVaTerminaLaVistaSinError) {
+    Pagina p;
+    for (int i = 0; i < 2000; ++i) p.textos.push_back(Texto(10, 10 + 10.5 * i, 54, "renglón"));
+    const auto anterior = std::signal(SIGPIPE, SIG_IGN);  // as in tzorep (the client library)
+    int fd[2];
+    ASSERT_EQ(::pipe(fd), 0);
+    ::close(fd[0]);
+    {
+        __gnu_cxx::stdio_filebuf<char> buf(fd[1], std::ios::out);
+        std::ostream tuberia(&buf);
+        TxtEscritor escritor(tuberia, "\f");
+        escritor.Inicia(Doc());
+        EXPECT_NO_THROW({
+            escritor.Pagina(p);
+            escritor.Pagina(p);
+            escritor.Termina();
+        });
+    }
+    std::signal(SIGPIPE, anterior);
+
+    std::ofstream lleno("/dev/full");
+    TxtEscritor escritor(lleno, "\f");
+    escritor.Inicia(Doc());
+    EXPECT_THROW(
+        {
+            escritor.Pagina(p);
+            escritor.Termina();
+        },
+        ErrorEscritura);
 }
 
 }  // namespace
