@@ -12,6 +12,7 @@
 #include <optional>
 #include <string>
 
+#include "Apoyo.h"
 #include "data/BaseDDMaria.h"
 #include "host/DatosConecte.h"
 #include "host/Interaccion.h"
@@ -34,16 +35,6 @@ CREATE TABLE bitacorausuarios (Id INT NOT NULL AUTO_INCREMENT,
     Fecha DATE NOT NULL DEFAULT '0000-00-00', Hora TIME NOT NULL DEFAULT '00:00:00',
     Usuario BLOB, Accion VARCHAR(60) NOT NULL DEFAULT '', Registro INT NOT NULL DEFAULT 0,
     Llave BLOB, Adicionales BLOB, Version BLOB, Equipo BLOB, PRIMARY KEY (Id)) ENGINE=InnoDB)";
-
-// Answers dialogs by running `llena` on the form first.
-class UsuarioDePrueba : public host::InteraccionGrabada {
-  public:
-    std::function<void(host::Formulario&)> llena;
-    bool Dialogo(host::Formulario& forma) override {
-        if (llena) llena(forma);
-        return host::InteraccionGrabada::Dialogo(forma);
-    }
-};
 
 class ConAlmacen : public ::testing::Test {
   protected:

@@ -7,21 +7,15 @@
 
 #include <memory>
 
+#include "Apoyo.h"
 #include "renderer/TiposArchivo.h"
 #include "session/Sesion.h"
 
 namespace paratzorep::output {
 namespace {
 
-// Answers the dialog as a user would: runs `llena` on the form, then gives `acepta`.
-class Usuario : public host::InteraccionGrabada {
-  public:
-    std::function<void(host::Formulario&)> llena;
-    bool Dialogo(host::Formulario& forma) override {
-        if (llena) llena(forma);
-        return host::InteraccionGrabada::Dialogo(forma);
-    }
-};
+using Usuario = prueba::UsuarioDePrueba;
+using prueba::Etiqueta;
 
 class ExportarReporte : public ::testing::Test {
   protected:
@@ -83,13 +77,6 @@ TEST_F(ExportarReporte, BlankNameBeepsAndDoesNotAccept) {
         EXPECT_FALSE(f.Aceptado());
         EXPECT_EQ(f.Ctl("lblNumTipo").Caption, "");
     }
-}
-
-// A label for the test's name: letters and digits only.
-inline std::string Etiqueta(const std::string& s) {
-    std::string r;
-    for (unsigned char c : s) r += std::isalnum(c) ? static_cast<char>(c) : '_';
-    return r;
 }
 
 struct CasoCarpeta {

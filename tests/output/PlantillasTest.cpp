@@ -60,13 +60,6 @@ TEST_F(AlmacenPlantillas, FormatWithoutAnnexesIsTheDefaultWithoutDialog) {
     EXPECT_TRUE(usuario->dialogos.empty());
 }
 
-// A label for the test's name: letters and digits only.
-inline std::string Etiqueta(const std::string& s) {
-    std::string r;
-    for (unsigned char c : s) r += std::isalnum(c) ? static_cast<char>(c) : '_';
-    return r;
-}
-
 struct CasoTitulo {
     const char* plantilla;
     const char* titulo;

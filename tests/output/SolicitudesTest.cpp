@@ -7,6 +7,7 @@
 #include <fstream>
 #include <regex>
 
+#include "Apoyo.h"
 #include "output/BitacoraSolicitudes.h"
 #include "output/Ejecutor.h"
 #include "renderer/Motor.h"
@@ -16,12 +17,7 @@
 namespace paratzorep::output {
 namespace {
 
-// A label for the test's name: letters and digits only.
-inline std::string Etiqueta(const std::string& s) {
-    std::string r;
-    for (unsigned char c : s) r += std::isalnum(c) ? static_cast<char>(c) : '_';
-    return r;
-}
+using prueba::Etiqueta;
 
 struct CasoNombre {
     const char* pedido;
