@@ -3,7 +3,7 @@
 # and prints the load time, the rows written and the size on disk of each.
 #   bench/demo-load.sh [TZOREP] [SCALE...]
 set -euo pipefail
-tz="${1:-$(dirname "$0")/../build/release/host/cli/tzorep}"
+tz="${1:-$(dirname "$0")/../build/release/apps/tzorep/tzorep}"
 shift || true
 scales=("$@")
 [ "${#scales[@]}" -gt 0 ] || scales=(1 10)

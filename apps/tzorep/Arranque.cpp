@@ -1,4 +1,4 @@
-#include "host/cli/Arranque.h"
+#include "apps/tzorep/Arranque.h"
 
 #include <unistd.h>
 

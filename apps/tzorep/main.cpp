@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "data/ServidorPrivado.h"
-#include "host/cli/Commands.h"
+#include "apps/tzorep/Commands.h"
 
 namespace paratzorep::cli {
 namespace detail {

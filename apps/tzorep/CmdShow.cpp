@@ -3,7 +3,7 @@
 #include <iostream>
 #include <sstream>
 
-#include "host/cli/AbreEntrada.h"
+#include "apps/tzorep/AbreEntrada.h"
 
 namespace paratzorep::cli {
 

@@ -1,5 +1,5 @@
 // Start-up of the command-line host from tzorep.ini.
-#include "host/cli/Arranque.h"
+#include "apps/tzorep/Arranque.h"
 
 #include <gtest/gtest.h>
 

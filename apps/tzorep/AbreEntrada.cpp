@@ -1,4 +1,4 @@
-#include "host/cli/AbreEntrada.h"
+#include "apps/tzorep/AbreEntrada.h"
 
 #include <iostream>
 

@@ -16,7 +16,7 @@
 
 #include "data/BaseDDMaria.h"
 #include "data/ServidorPrivado.h"
-#include "host/cli/Commands.h"
+#include "apps/tzorep/Commands.h"
 #include "output/Plantillas.h"
 #include "schema/Esquema.h"
 #include "schema/GeneradorDemo.h"

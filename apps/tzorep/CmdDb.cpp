@@ -4,7 +4,7 @@
 #include <iostream>
 
 #include "data/ServidorPrivado.h"
-#include "host/cli/Commands.h"
+#include "apps/tzorep/Commands.h"
 
 namespace paratzorep::cli {
 

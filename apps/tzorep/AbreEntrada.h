@@ -14,8 +14,8 @@
 #include "host/Formulario.h"
 #include "host/Interaccion.h"
 #include "host/Menu.h"
-#include "host/cli/Arranque.h"
-#include "host/cli/Commands.h"
+#include "apps/tzorep/Arranque.h"
+#include "apps/tzorep/Commands.h"
 #include "reports/ReportesAdm.h"
 
 namespace paratzorep::cli {

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "data/AbrirBaseDeDatos.h"
-#include "host/cli/Arranque.h"
-#include "host/cli/Commands.h"
+#include "apps/tzorep/Arranque.h"
+#include "apps/tzorep/Commands.h"
 #include "output/Plantillas.h"
 #include "session/Iniciales.h"
 #include "session/Sesion.h"

@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <iostream>
 
-#include "host/cli/AbreEntrada.h"
+#include "apps/tzorep/AbreEntrada.h"
 #include "output/Ejecutor.h"
 #include "renderer/TiposArchivo.h"
 #include "reports/Marco.h"

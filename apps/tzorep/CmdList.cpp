@@ -4,7 +4,7 @@
 #include <iomanip>
 #include <iostream>
 
-#include "host/cli/Commands.h"
+#include "apps/tzorep/Commands.h"
 #include "reports/ReportesAdm.h"
 
 namespace paratzorep::cli {
