@@ -9,6 +9,7 @@
 #include "EntornoPrueba.h"
 #include "host/Interaccion.h"
 #include "session/Sesion.h"
+#include "support/NombresDeCaso.h"
 
 namespace paratzorep::data {
 namespace {
@@ -65,14 +66,19 @@ class AbrirBaseDeDatosTest : public prueba::ConBase {
     std::int32_t puertoOriginal = 0;
 };
 
+struct CasoGeneral {
+    const char* nombre;
+    const char* general;  // the name the caller gives the general database
+};
+
 class NombreDeLaGeneral : public AbrirBaseDeDatosTest,
-                          public ::testing::WithParamInterface<const char*> {};
+                          public ::testing::WithParamInterface<CasoGeneral> {};
 
 TEST_P(NombreDeLaGeneral, NoPasaPorElServidorRemoto) {
     datos.xServidor = "127.0.0.1";
     datos.xPuerto = PuertoQueRechaza();
     datos.xBaseDD = "remota";
-    ASSERT_TRUE(AbrirBaseDeDatos(*base, datos, cn, GetParam()));
+    ASSERT_TRUE(AbrirBaseDeDatos(*base, datos, cn, GetParam().general));
     EXPECT_EQ(base->basesAbiertas, std::vector<std::string>{""});
     EXPECT_EQ(BaseActual(*base, cn), "generaltanzo");
     EXPECT_EQ(datos.xServidor, "127.0.0.1");
@@ -81,8 +87,12 @@ TEST_P(NombreDeLaGeneral, NoPasaPorElServidorRemoto) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Nombres, NombreDeLaGeneral,
-                         ::testing::Values("", "generaltanzo", " GeneralTanzo ", "GENERALTANZO\t",
-                                           "   "));
+                         ::testing::Values(CasoGeneral{"Vacio", ""},
+                                           CasoGeneral{"Minusculas", "generaltanzo"},
+                                           CasoGeneral{"EntreBlancos", " GeneralTanzo "},
+                                           CasoGeneral{"MayusculasYTabulador", "GENERALTANZO\t"},
+                                           CasoGeneral{"SoloBlancos", "   "}),
+                         pruebas::PorNombre());
 
 TEST_F(AbrirBaseDeDatosTest, SinServidorRemotoAbreElNombreNormalizado) {
     std::string pedido = "  ";

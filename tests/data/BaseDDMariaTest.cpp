@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "EntornoPrueba.h"
+#include "support/NombresDeCaso.h"
 
 namespace paratzorep::data {
 namespace {
@@ -58,7 +59,8 @@ INSTANTIATE_TEST_SUITE_P(
                       CasoFuente{"clientes WHERE Clave>'A1' ORDER BY Clave LIMIT 2", 2},
                       CasoFuente{"  SELECT Clave FROM clientes WHERE Nombre IS NULL", 1},
                       CasoFuente{"select * from clientes c join sinclave s on 1=1", 12},
-                      CasoFuente{"SHOW TABLES", 3}, CasoFuente{"movs", 0}));
+                      CasoFuente{"SHOW TABLES", 3}, CasoFuente{"movs", 0}),
+    pruebas::NombrePor(&CasoFuente::fuente));
 
 TEST_F(BaseDDMariaTest, NulosVaciosYFechasCero) {
     auto rs = Lee("clientes ORDER BY Clave");

@@ -3,12 +3,13 @@
 #include <gtest/gtest.h>
 
 #include "EntornoPrueba.h"
+#include "support/NombresDeCaso.h"
 
 namespace paratzorep::data {
 namespace {
 
 struct CasoSql {
-    std::string select, columna, valor, sufijo, esperado;
+    std::string nombre, select, columna, valor, sufijo, esperado;
 };
 
 class SqlDeBuscarXclave : public ::testing::TestWithParam<CasoSql> {};
@@ -20,15 +21,18 @@ TEST_P(SqlDeBuscarXclave, ArmaElTextoTalCual) {
 
 INSTANTIATE_TEST_SUITE_P(
     Casos, SqlDeBuscarXclave,
-    ::testing::Values(CasoSql{"SELECT * FROM clientes", "Clave", "A1", "",
+    ::testing::Values(CasoSql{"SelectCompleto", "SELECT * FROM clientes", "Clave", "A1", "",
                               "SELECT * FROM clientes WHERE Clave='A1'"},
-                      CasoSql{"clientes", "Clave", "A1", "ORDER BY Nombre",
+                      CasoSql{"SufijoSinEspacio", "clientes", "Clave", "A1", "ORDER BY Nombre",
                               "clientes WHERE Clave='A1' ORDER BY Nombre"},
-                      CasoSql{"clientes", "Clave", "A1", " LIMIT 1",
+                      CasoSql{"SufijoConEspacio", "clientes", "Clave", "A1", " LIMIT 1",
                               "clientes WHERE Clave='A1' LIMIT 1"},
-                      CasoSql{"clientes", "Clave", "O'Hara", "", "clientes WHERE Clave='O'Hara'"},
-                      CasoSql{"clientes", "Clave", "", "", "clientes WHERE Clave=''"},
-                      CasoSql{"clientes", "Clave", "XXX", "", "clientes WHERE Clave='XXX'"}));
+                      CasoSql{"ValorConComilla", "clientes", "Clave", "O'Hara", "",
+                              "clientes WHERE Clave='O'Hara'"},
+                      CasoSql{"ValorVacio", "clientes", "Clave", "", "", "clientes WHERE Clave=''"},
+                      CasoSql{"ValorXXX", "clientes", "Clave", "XXX", "",
+                              "clientes WHERE Clave='XXX'"}),
+    pruebas::PorNombre());
 
 class CapaDatosTest : public prueba::ConBase {
   protected:
@@ -44,6 +48,7 @@ class CapaDatosTest : public prueba::ConBase {
 };
 
 struct CasoConsulta {
+    std::string nombre;
     std::string fuente;
     std::string baseDatos;  // "*" for the test's own database
     int resultado;
@@ -66,12 +71,15 @@ TEST_P(ResultadosDeAbrirConsulta, CodigoYConexionCerrada) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Casos, ResultadosDeAbrirConsulta,
-                         ::testing::Values(CasoConsulta{"clientes", "*", 0},
-                                           CasoConsulta{"SELECT Nombre FROM clientes", "", 0},
-                                           CasoConsulta{"clientes", "base_que_no_existe", 1},
-                                           CasoConsulta{"noexiste", "*", 2},
-                                           CasoConsulta{"clientes WHERE Clave='O'Hara'", "*", 2}));
+INSTANTIATE_TEST_SUITE_P(
+    Casos, ResultadosDeAbrirConsulta,
+    ::testing::Values(CasoConsulta{"TablaEnSuBase", "clientes", "*", 0},
+                      CasoConsulta{"SelectEnLaBaseDeLaEmpresa", "SELECT Nombre FROM clientes", "",
+                                   0},
+                      CasoConsulta{"BaseQueNoExiste", "clientes", "base_que_no_existe", 1},
+                      CasoConsulta{"TablaQueNoExiste", "noexiste", "*", 2},
+                      CasoConsulta{"SqlConComillaSuelta", "clientes WHERE Clave='O'Hara'", "*", 2}),
+    pruebas::PorNombre());
 
 TEST_F(CapaDatosTest, BaseVaciaDevuelveLaDeLaEmpresa) {
     host::Recordset rs;

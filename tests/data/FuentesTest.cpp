@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "data/ConexionInterna.h"
+#include "support/NombresDeCaso.h"
 
 namespace paratzorep::data::detail {
 namespace {
@@ -37,7 +38,8 @@ INSTANTIATE_TEST_SUITE_P(
                    "SHOW CREATE TABLE tanzoreportes.x"},
         CasoFuente{"(SELECT 1) UNION (SELECT 2)", true, "", "(SELECT 1) UNION (SELECT 2)"},
         CasoFuente{"selecciones WHERE a=1", false, "selecciones",
-                   "SELECT * FROM selecciones WHERE a=1"}));
+                   "SELECT * FROM selecciones WHERE a=1"}),
+    pruebas::NombrePor(&CasoFuente::fuente));
 
 TEST(Textos, ReemplazaTodoEsBinarioYNoSeRepite) {
     EXPECT_EQ(ReemplazaTodo("ventas ventas_total Ventas", "ventas", "tbltemp0"),

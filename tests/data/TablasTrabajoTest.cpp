@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include "EntornoPrueba.h"
+#include "support/NombresDeCaso.h"
 
 namespace paratzorep::data {
 namespace {
@@ -33,6 +34,7 @@ class TablasTrabajoTest : public prueba::ConBase {
 };
 
 struct CasoNombre {
+    const char* nombre;
     std::vector<int> existentes;
     std::string esperado;
 };
@@ -47,9 +49,12 @@ TEST_P(NombreLibre, ElPrimerHueco) {
 
 INSTANTIATE_TEST_SUITE_P(
     Casos, NombreLibre,
-    ::testing::Values(CasoNombre{{}, "tbltemp0"}, CasoNombre{{0, 2}, "tbltemp1"},
-                      CasoNombre{{0, 1, 2}, "tbltemp3"}, CasoNombre{{1}, "tbltemp0"},
-                      CasoNombre{{0, 1, 2, 3, 4, 5, 6, 7, 8, 9}, "tbltemp10"}));
+    ::testing::Values(CasoNombre{"Ninguna", {}, "tbltemp0"},
+                      CasoNombre{"HuecoEnMedio", {0, 2}, "tbltemp1"},
+                      CasoNombre{"SinHuecos", {0, 1, 2}, "tbltemp3"},
+                      CasoNombre{"HuecoAlPrincipio", {1}, "tbltemp0"},
+                      CasoNombre{"DiezSeguidas", {0, 1, 2, 3, 4, 5, 6, 7, 8, 9}, "tbltemp10"}),
+    pruebas::PorNombre());
 
 TEST_F(TablasTrabajoTest, PasadoTbltemp32767SeDesborda) {
     base->hayTablaFija = true;

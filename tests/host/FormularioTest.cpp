@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/NombresDeCaso.h"
+
 namespace paratzorep::host {
 namespace {
 
@@ -55,6 +57,7 @@ TEST(FormularioModelo, TeclasPasanPorLosManejadores) {
 }
 
 struct CasoFecha {
+    const char* nombre;
     const char* texto;
     bool aceptada;
     bool sinFecha;
@@ -81,11 +84,15 @@ TEST_P(FechaEnMascara, SoloTextoQueCabeEnLaMascara) {
 
 INSTANTIATE_TEST_SUITE_P(
     Casos, FechaEnMascara,
-    ::testing::Values(CasoFecha{"05/03/2024", true, false}, CasoFecha{"31/02/2024", true, false},
-                      CasoFecha{"", true, true}, CasoFecha{"__/__/____", true, true},
-                      CasoFecha{"5/3/2024", false, false}, CasoFecha{"2024-03-05", false, false},
-                      CasoFecha{"aa/bb/cccc", false, false},
-                      CasoFecha{"05/03/2024'", false, false}));
+    ::testing::Values(CasoFecha{"FechaCompleta", "05/03/2024", true, false},
+                      CasoFecha{"DiaQueNoExisteCabe", "31/02/2024", true, false},
+                      CasoFecha{"Vacia", "", true, true},
+                      CasoFecha{"MascaraVacia", "__/__/____", true, true},
+                      CasoFecha{"SinCeros", "5/3/2024", false, false},
+                      CasoFecha{"Iso", "2024-03-05", false, false},
+                      CasoFecha{"Letras", "aa/bb/cccc", false, false},
+                      CasoFecha{"ComillaAlFinal", "05/03/2024'", false, false}),
+    pruebas::PorNombre());
 
 TEST(FormularioModelo, PestanasYListasEligenPorTextoOIndice) {
     Forma f;

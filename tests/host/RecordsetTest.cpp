@@ -3,11 +3,13 @@
 #include <gtest/gtest.h>
 
 #include "host/BaseDD.h"
+#include "support/NombresDeCaso.h"
 
 namespace paratzorep::host {
 namespace {
 
 struct CasoLectura {
+    const char* nombre;
     Valor valor;
     std::string texto;
     double doble;
@@ -28,21 +30,26 @@ TEST_P(LecturasDeValor, TextoNumeroYFecha) {
 INSTANTIATE_TEST_SUITE_P(
     Valores, LecturasDeValor,
     ::testing::Values(
-        CasoLectura{Valor(), "", 0, 0, ""}, CasoLectura{Valor(""), "", 0, 0, ""},
-        CasoLectura{Valor("12.50", TipoCampo::Decimal), "12.50", 12.5, 12, ""},
-        CasoLectura{Valor("13.5"), "13.5", 13.5, 14, ""},
-        CasoLectura{Valor("-3", TipoCampo::Entero), "-3", -3, -3, ""},
-        CasoLectura{Valor(" 7 "), " 7 ", 7, 7, ""}, CasoLectura{Valor("abc"), "abc", 0, 0, ""},
-        CasoLectura{Valor("12abc"), "12abc", 0, 0, ""},
-        CasoLectura{Valor("2024-03-05", TipoCampo::Fecha), "2024-03-05", 0, 0, "2024-03-05"},
-        CasoLectura{Valor("2024-03-05 10:11:12", TipoCampo::FechaHora), "2024-03-05 10:11:12", 0, 0,
+        CasoLectura{"Nulo", Valor(), "", 0, 0, ""},
+        CasoLectura{"TextoVacio", Valor(""), "", 0, 0, ""},
+        CasoLectura{"Decimal", Valor("12.50", TipoCampo::Decimal), "12.50", 12.5, 12, ""},
+        CasoLectura{"TextoConDecimales", Valor("13.5"), "13.5", 13.5, 14, ""},
+        CasoLectura{"EnteroNegativo", Valor("-3", TipoCampo::Entero), "-3", -3, -3, ""},
+        CasoLectura{"NumeroEntreBlancos", Valor(" 7 "), " 7 ", 7, 7, ""},
+        CasoLectura{"Letras", Valor("abc"), "abc", 0, 0, ""},
+        CasoLectura{"NumeroSeguidoDeLetras", Valor("12abc"), "12abc", 0, 0, ""},
+        CasoLectura{"Fecha", Valor("2024-03-05", TipoCampo::Fecha), "2024-03-05", 0, 0,
                     "2024-03-05"},
-        CasoLectura{Valor("0000-00-00", TipoCampo::Fecha), "0000-00-00", 0, 0, ""},
-        CasoLectura{Valor("0000-00-00 00:00:00", TipoCampo::FechaHora), "0000-00-00 00:00:00", 0, 0,
-                    ""},
-        CasoLectura{Valor("05/03/2024"), "05/03/2024", 0, 0, ""},
-        CasoLectura{Valor(81.0), "81", 81, 81, ""}, CasoLectura{Valor(0.1), "0.1", 0.1, 0, ""},
-        CasoLectura{Valor(42), "42", 42, 42, ""}));
+        CasoLectura{"FechaHora", Valor("2024-03-05 10:11:12", TipoCampo::FechaHora),
+                    "2024-03-05 10:11:12", 0, 0, "2024-03-05"},
+        CasoLectura{"FechaEnCeros", Valor("0000-00-00", TipoCampo::Fecha), "0000-00-00", 0, 0, ""},
+        CasoLectura{"FechaHoraEnCeros", Valor("0000-00-00 00:00:00", TipoCampo::FechaHora),
+                    "0000-00-00 00:00:00", 0, 0, ""},
+        CasoLectura{"FechaComoTexto", Valor("05/03/2024"), "05/03/2024", 0, 0, ""},
+        CasoLectura{"Doble", Valor(81.0), "81", 81, 81, ""},
+        CasoLectura{"DobleMenorQueUno", Valor(0.1), "0.1", 0.1, 0, ""},
+        CasoLectura{"Entero", Valor(42), "42", 42, 42, ""}),
+    pruebas::PorNombre());
 
 TEST(Valor, NuloYVacioSeDistinguen) {
     EXPECT_TRUE(Valor().EsNulo());

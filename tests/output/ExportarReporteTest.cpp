@@ -10,6 +10,7 @@
 #include "Apoyo.h"
 #include "renderer/TiposArchivo.h"
 #include "session/Sesion.h"
+#include "support/NombresDeCaso.h"
 
 namespace paratzorep::output {
 namespace {
@@ -80,6 +81,7 @@ TEST_F(ExportarReporte, BlankNameBeepsAndDoesNotAccept) {
 }
 
 struct CasoCarpeta {
+    const char* nombre;
     const char* carpeta;
     const char* esperado;
 };
@@ -106,11 +108,13 @@ TEST_P(CarpetaExportar, FolderGetsOneTrailingSeparator) {
     EXPECT_EQ(r.tipo, renderer::InfoDe(renderer::TipoArchivo::Xls).codigo);
 }
 
-INSTANTIATE_TEST_SUITE_P(Carpetas, CarpetaExportar,
-                         ::testing::Values(CasoCarpeta{"/tmp/salida", "/tmp/salida/ventas.xls"},
-                                           CasoCarpeta{"/tmp/salida/", "/tmp/salida/ventas.xls"},
-                                           CasoCarpeta{"C:\\reportes\\",
-                                                       "C:/reportes/ventas.xls"}));
+INSTANTIATE_TEST_SUITE_P(
+    Carpetas, CarpetaExportar,
+    ::testing::Values(CasoCarpeta{"SinSeparadorFinal", "/tmp/salida", "/tmp/salida/ventas.xls"},
+                      CasoCarpeta{"ConSeparadorFinal", "/tmp/salida/", "/tmp/salida/ventas.xls"},
+                      CasoCarpeta{"WindowsConDiagonalFinal", "C:\\reportes\\",
+                                  "C:/reportes/ventas.xls"}),
+    pruebas::PorNombre());
 
 TEST_F(ExportarReporte, TypedExtensionPicksItsType) {
     Usuario u;

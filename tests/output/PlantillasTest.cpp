@@ -8,6 +8,7 @@
 #include <random>
 
 #include "Entorno.h"
+#include "support/NombresDeCaso.h"
 
 namespace paratzorep::output::prueba {
 namespace {
@@ -61,6 +62,7 @@ TEST_F(AlmacenPlantillas, FormatWithoutAnnexesIsTheDefaultWithoutDialog) {
 }
 
 struct CasoTitulo {
+    const char* nombre;
     const char* plantilla;
     const char* titulo;
 };
@@ -91,10 +93,12 @@ TEST_P(TituloFormatos, CaptionByTheFmtPrefix) {
     EXPECT_EQ(usuario->dialogos.size(), 2u);
 }
 
-INSTANTIATE_TEST_SUITE_P(Prefijos, TituloFormatos,
-                         ::testing::Values(CasoTitulo{"fmtfactura.rpt", "Elija el formato"},
-                                           CasoTitulo{"ventas.rpt", "Elija el reporte"},
-                                           CasoTitulo{"vfmt.rpt", "Elija el reporte"}));
+INSTANTIATE_TEST_SUITE_P(
+    Prefijos, TituloFormatos,
+    ::testing::Values(CasoTitulo{"EmpiezaConFmt", "fmtfactura.rpt", "Elija el formato"},
+                      CasoTitulo{"SinFmt", "ventas.rpt", "Elija el reporte"},
+                      CasoTitulo{"FmtEnMedio", "vfmt.rpt", "Elija el reporte"}),
+    pruebas::PorNombre());
 
 TEST_F(AlmacenPlantillas, KeptChoiceIsRememberedUntilTheForgetFlag) {
     bd->ejecutar(

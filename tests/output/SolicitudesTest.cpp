@@ -12,6 +12,7 @@
 #include "output/Ejecutor.h"
 #include "renderer/Motor.h"
 #include "session/Solicitud.h"
+#include "support/NombresDeCaso.h"
 #include "support/Soporte.h"
 
 namespace paratzorep::output {
@@ -20,6 +21,7 @@ namespace {
 using prueba::Etiqueta;
 
 struct CasoNombre {
+    const char* nombre;
     const char* pedido;
     const char* ruta;  // "" when nothing is rendered
 };
@@ -42,13 +44,16 @@ TEST_P(ResolucionPlantilla, ResolvesUnderTheReportsFolder) {
 
 INSTANTIATE_TEST_SUITE_P(
     Nombres, ResolucionPlantilla,
-    ::testing::Values(CasoNombre{"bitacoraus", "/rpts/bitacoraus.rpt"},
-                      CasoNombre{"bitacoraus.rpt", "/rpts/bitacoraus.rpt"},
-                      CasoNombre{"ADSDCM.RPT", "/rpts/ADSDCM.RPT"},
-                      CasoNombre{"x.rptx", ""},  // contains ".rpt", does not end in it
-                      CasoNombre{"x.rpt.bak", ""}, CasoNombre{"   ", ""},
-                      CasoNombre{"/otra/fmtfactura", "/otra/fmtfactura.rpt"},
-                      CasoNombre{"C:\\Tanzo\\fmtnota.rpt", "C:/Tanzo/fmtnota.rpt"}));
+    ::testing::Values(
+        CasoNombre{"SinExtension", "bitacoraus", "/rpts/bitacoraus.rpt"},
+        CasoNombre{"ConExtension", "bitacoraus.rpt", "/rpts/bitacoraus.rpt"},
+        CasoNombre{"ExtensionEnMayusculas", "ADSDCM.RPT", "/rpts/ADSDCM.RPT"},
+        // contains ".rpt", does not end in it
+        CasoNombre{"ExtensionConLetraDeMas", "x.rptx", ""}, CasoNombre{"Respaldo", "x.rpt.bak", ""},
+        CasoNombre{"SoloBlancos", "   ", ""},
+        CasoNombre{"RutaPropiaSinExtension", "/otra/fmtfactura", "/otra/fmtfactura.rpt"},
+        CasoNombre{"RutaDeWindows", "C:\\Tanzo\\fmtnota.rpt", "C:/Tanzo/fmtnota.rpt"}),
+    pruebas::PorNombre());
 
 TEST(Solicitud, TwentySecondFormulaOrSortFieldIsOutOfRange) {
     session::SolicitudReporte s;
@@ -75,6 +80,7 @@ TEST(NombrePdf, ReportNameThenStamp) {
 }
 
 struct CasoPassword {
+    const char* nombre;
     const char* connect;
     const char* oculto;
 };
@@ -91,12 +97,15 @@ TEST_P(Ocultar, MasksEveryPasswordKey) {
 
 INSTANTIATE_TEST_SUITE_P(
     Connect, Ocultar,
-    ::testing::Values(CasoPassword{"DSN=myodbc3-test;SERVER=h;DB=d;UID=u;PWD=s3cr=t;x",
+    ::testing::Values(CasoPassword{"ClaveConSignoIgual",
+                                   "DSN=myodbc3-test;SERVER=h;DB=d;UID=u;PWD=s3cr=t;x",
                                    "DSN=myodbc3-test;SERVER=h;DB=d;UID=u;PWD=***;x"},
-                      CasoPassword{"DSN=a;pwd=abc", "DSN=a;pwd=***"},
-                      CasoPassword{"DSN=a;PWD=", "DSN=a;PWD=***"},
-                      CasoPassword{"DSN=a; Password =zz;UID=u", "DSN=a; Password =***;UID=u"},
-                      CasoPassword{"DSN=a;UID=pwd", "DSN=a;UID=pwd"}));
+                      CasoPassword{"PwdEnMinusculas", "DSN=a;pwd=abc", "DSN=a;pwd=***"},
+                      CasoPassword{"PwdVacio", "DSN=a;PWD=", "DSN=a;PWD=***"},
+                      CasoPassword{"PasswordEntreBlancos", "DSN=a; Password =zz;UID=u",
+                                   "DSN=a; Password =***;UID=u"},
+                      CasoPassword{"PwdComoValorNoSeOculta", "DSN=a;UID=pwd", "DSN=a;UID=pwd"}),
+    pruebas::PorNombre());
 
 TEST(BitacoraSolicitudes, OneJsonLinePerRequestWithoutThePassword) {
     session::SolicitudReporte s;

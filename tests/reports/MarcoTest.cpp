@@ -13,6 +13,7 @@
 #include "reports/RepAdmMovUser.h"
 #include "session/Sesion.h"
 #include "session/Solicitud.h"
+#include "support/NombresDeCaso.h"
 #include "support/Soporte.h"
 #include "toolkit/Fabrica.h"
 #include "toolkit/LibKRVM.h"
@@ -162,11 +163,16 @@ TEST_F(MarcoTest, FechaInvalidaSeRechazaAunSinLimite) {
     EXPECT_EQ(corridas, 0);
 }
 
-class ComillasEnCajas : public MarcoTest, public ::testing::WithParamInterface<const char*> {};
+struct CasoComillas {
+    const char* nombre;
+    const char* texto;  // typed in the box
+};
+
+class ComillasEnCajas : public MarcoTest, public ::testing::WithParamInterface<CasoComillas> {};
 
 TEST_P(ComillasEnCajas, DetienenLaImpresionAntesDeArmarSql) {
     forma.Carga();
-    forma.Fija("txtDato(0)", GetParam());
+    forma.Fija("txtDato(0)", GetParam().texto);
     EXPECT_FALSE(forma.Imprime());
     ASSERT_EQ(sink->mensajes.size(), 1u);
     EXPECT_EQ(sink->mensajes[0].titulo, "Reporte de prueba");
@@ -178,7 +184,11 @@ TEST_P(ComillasEnCajas, DetienenLaImpresionAntesDeArmarSql) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Casos, ComillasEnCajas,
-                         ::testing::Values("O'BRIEN", "' OR '1'='1", "C\\1", "\\"));
+                         ::testing::Values(CasoComillas{"ApostrofoEnNombre", "O'BRIEN"},
+                                           CasoComillas{"InyeccionSql", "' OR '1'='1"},
+                                           CasoComillas{"DiagonalInversa", "C\\1"},
+                                           CasoComillas{"SoloDiagonalInversa", "\\"}),
+                         pruebas::PorNombre());
 
 TEST_F(MarcoTest, BanderaDeErrorSaltaElLlenado) {
     forma.modelo = "no_existe";

@@ -11,6 +11,7 @@
 #include "host/Menu.h"
 #include "reports/Formas.h"
 #include "session/Sesion.h"
+#include "support/NombresDeCaso.h"
 #include "toolkit/Apoyo.h"
 #include "toolkit/Fabrica.h"
 
@@ -165,7 +166,8 @@ INSTANTIATE_TEST_SUITE_P(
                                   "Cliente"},
                       CasoPareado{&ReportesAdm::EdoCtaProveedores, 97, "RepAdmEdoCta",
                                   "RepEdoCtaProv", 81, "P", "Estados de cuenta de proveedores",
-                                  "Proveedor"}));
+                                  "Proveedor"}),
+    pruebas::NombrePor(&CasoPareado::caption));
 
 TEST_F(FachadaTest, ClientesYProveedoresAbiertosALaVez) {
     fachada.EdoCtaClientes();

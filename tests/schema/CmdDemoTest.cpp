@@ -3,6 +3,7 @@
 
 #include <filesystem>
 
+#include "support/NombresDeCaso.h"
 #include "support/Soporte.h"
 
 namespace paratzorep::schema {
@@ -40,7 +41,7 @@ INSTANTIATE_TEST_SUITE_P(
                       CasoUso{"faltaValor", {"--scale"}, "falta el valor de --scale"},
                       CasoUso{"desconocido", {"--escala", "2"}, "argumento desconocido: --escala"},
                       CasoUso{"posicional", {"10"}, "argumento desconocido: 10"}),
-    [](const auto& info) { return std::string(info.param.nombre); });
+    pruebas::PorNombre());
 
 }  // namespace
 }  // namespace paratzorep::schema

@@ -7,6 +7,7 @@
 #include <set>
 #include <sstream>
 
+#include "support/NombresDeCaso.h"
 #include "support/Soporte.h"
 
 namespace paratzorep::schema {
@@ -51,7 +52,7 @@ INSTANTIATE_TEST_SUITE_P(
         CasoDivision{
             "textoConSaltos", "SELECT 'a\n;b';\nSELECT 2;", {"SELECT 'a\n;b'", "SELECT 2"}, {1, 3}},
         CasoDivision{"vacio", " ;; \n-- nada\n", {}, {}}),
-    [](const auto& info) { return std::string(info.param.nombre); });
+    pruebas::PorNombre());
 
 TEST(Division, SeñalaLaLineaDeUnaComillaSinCerrar) {
     try {
@@ -325,7 +326,7 @@ INSTANTIATE_TEST_SUITE_P(
                   "CREATE TABLE a (x INT);\nCREATE TABLE b (x INT);\nCREATE TABLE c (y INT,);\n"
                   "CREATE TABLE d (x INT);\nCREATE TABLE e (x INT);\n",
                   3, "CREATE TABLE c (y INT,)"}),
-    [](const auto& info) { return std::string(info.param.nombre); });
+    pruebas::PorNombre());
 
 TEST(Esquemas, RechazaNombresYArchivosInvalidosSinTocarElServidor) {
     BaseTemporal b("inv");

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "session/Sesion.h"
+#include "support/NombresDeCaso.h"
 #include "toolkit/BitacoraUsuarios.h"
 #include "toolkit/Fabrica.h"
 
@@ -23,6 +24,7 @@ class InicialesTest : public ::testing::Test {
 };
 
 struct CasoRuta {
+    const char* nombre;
     const char* valor;
     const char* guardado;
 };
@@ -39,12 +41,14 @@ TEST_P(RutaTanzoTest, TerminaSiempreEnSeparador) {
     EXPECT_EQ(sesion().RutaTanzo, GetParam().guardado);
 }
 
-INSTANTIATE_TEST_SUITE_P(Tabla, RutaTanzoTest,
-                         ::testing::Values(CasoRuta{"/opt/tanzo", "/opt/tanzo/"},
-                                           CasoRuta{"/opt/tanzo/", "/opt/tanzo/"},
-                                           CasoRuta{"C:\\Tanzo\\", "C:\\Tanzo\\"},
-                                           CasoRuta{"C:\\Tanzo", "C:\\Tanzo/"}, CasoRuta{"", "/"},
-                                           CasoRuta{"/", "/"}));
+INSTANTIATE_TEST_SUITE_P(
+    Tabla, RutaTanzoTest,
+    ::testing::Values(CasoRuta{"SinBarraFinal", "/opt/tanzo", "/opt/tanzo/"},
+                      CasoRuta{"ConBarraFinal", "/opt/tanzo/", "/opt/tanzo/"},
+                      CasoRuta{"WindowsConDiagonalFinal", "C:\\Tanzo\\", "C:\\Tanzo\\"},
+                      CasoRuta{"WindowsSinDiagonalFinal", "C:\\Tanzo", "C:\\Tanzo/"},
+                      CasoRuta{"Vacia", "", "/"}, CasoRuta{"Raiz", "/", "/"}),
+    pruebas::PorNombre());
 
 TEST_F(InicialesTest, ConstructorCreaObjetosYToleraQueFalten) {
     {

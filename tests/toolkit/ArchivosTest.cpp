@@ -6,6 +6,7 @@
 #include <fstream>
 
 #include "host/Interaccion.h"
+#include "support/NombresDeCaso.h"
 #include "toolkit/Apoyo.h"
 #include "toolkit/Auxiliares.h"
 #include "toolkit/BitacoraUsuarios.h"
@@ -90,6 +91,7 @@ TEST(IniTest, CarpetaImposibleDaErrorClaro) {
 }
 
 struct CasoNombre {
+    const char* caso;
     const char* ruta;
     const char* nombre;
     const char* carpeta;
@@ -109,11 +111,15 @@ TEST_P(NombreDeArchivoTest, SeparaNombreYCarpeta) {
 
 INSTANTIATE_TEST_SUITE_P(
     Tabla, NombreDeArchivoTest,
-    ::testing::Values(CasoNombre{"/a/b/c.rpt", "c.rpt", "/a/b/"},
-                      CasoNombre{"C:\\Tanzo\\Rpts\\x.rpt", "x.rpt", "C:\\Tanzo\\Rpts\\"},
-                      CasoNombre{"mixta/sub\\y.rpt", "y.rpt", "mixta/sub\\"},
-                      CasoNombre{"solo.rpt", "solo.rpt", ""},
-                      CasoNombre{"carpeta/", "", "carpeta/"}, CasoNombre{"", "", ""}));
+    ::testing::Values(CasoNombre{"RutaConBarras", "/a/b/c.rpt", "c.rpt", "/a/b/"},
+                      CasoNombre{"RutaConDiagonalesInversas", "C:\\Tanzo\\Rpts\\x.rpt", "x.rpt",
+                                 "C:\\Tanzo\\Rpts\\"},
+                      CasoNombre{"SeparadoresMezclados", "mixta/sub\\y.rpt", "y.rpt",
+                                 "mixta/sub\\"},
+                      CasoNombre{"SoloNombre", "solo.rpt", "solo.rpt", ""},
+                      CasoNombre{"SoloCarpeta", "carpeta/", "", "carpeta/"},
+                      CasoNombre{"Vacia", "", "", ""}),
+    pruebas::NombrePor(&CasoNombre::caso));
 
 TEST(DeArchivosTest, RutasArchivosYFechas) {
     CarpetaTemporal tmp;

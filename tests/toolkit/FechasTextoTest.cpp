@@ -1,6 +1,7 @@
 // Dates, numbers and filter clauses of the general helper object.
 #include <gtest/gtest.h>
 
+#include "support/NombresDeCaso.h"
 #include "toolkit/Fechas.h"
 #include "toolkit/LibKRVM.h"
 #include "toolkit/Utilerias.h"
@@ -9,6 +10,7 @@ namespace paratzorep::toolkit {
 namespace {
 
 struct CasoFecha {
+    const char* nombre;
     const char* entrada;
     const char* sql;
     const char* completa;
@@ -33,21 +35,30 @@ TEST_P(FechasTest, ConvierteOrechaza) {
 INSTANTIATE_TEST_SUITE_P(
     Tabla, FechasTest,
     ::testing::Values(
-        CasoFecha{"05/03/2024", "2024-03-05", "5 de marzo de 2024", "05/mar/2024"},
-        CasoFecha{"5/3/2024", "2024-03-05", "5 de marzo de 2024", "05/mar/2024"},
-        CasoFecha{" 31/12/1999 ", "1999-12-31", "31 de diciembre de 1999", "31/dic/1999"},
-        CasoFecha{"01/01/2025", "2025-01-01", "1 de enero de 2025", "01/ene/2025"},
-        CasoFecha{"29/02/2024", "2024-02-29", "29 de febrero de 2024", "29/feb/2024"},
-        CasoFecha{"15/ago/2023", "2023-08-15", "15 de agosto de 2023", "15/ago/2023"},
-        CasoFecha{"15/SEP/2023", "2023-09-15", "15 de septiembre de 2023", "15/sep/2023"},
-        CasoFecha{"2024-06-30", "2024-06-30", "30 de junio de 2024", "30/jun/2024"},
-        CasoFecha{"2024-06-30 10:11:12", "2024-06-30", "30 de junio de 2024", "30/jun/2024"},
-        CasoFecha{"31/02/2024", "", "", ""}, CasoFecha{"29/02/2023", "", "", ""},
-        CasoFecha{"00/01/2024", "", "", ""}, CasoFecha{"12/13/2024", "", "", ""},
-        CasoFecha{"__/__/____", "", "", ""}, CasoFecha{"  /  /    ", "", "", ""},
-        CasoFecha{"", "", "", ""}, CasoFecha{"05/03/24", "", "", ""},
-        CasoFecha{"05/03/2024x", "", "", ""}, CasoFecha{"hoy", "", "", ""},
-        CasoFecha{"0000-00-00", "", "", ""}, CasoFecha{"15/xyz/2023", "", "", ""}));
+        CasoFecha{"DiaMesAnio", "05/03/2024", "2024-03-05", "5 de marzo de 2024", "05/mar/2024"},
+        CasoFecha{"SinCeros", "5/3/2024", "2024-03-05", "5 de marzo de 2024", "05/mar/2024"},
+        CasoFecha{"ConBlancos", " 31/12/1999 ", "1999-12-31", "31 de diciembre de 1999",
+                  "31/dic/1999"},
+        CasoFecha{"PrimeroDeAnio", "01/01/2025", "2025-01-01", "1 de enero de 2025", "01/ene/2025"},
+        CasoFecha{"Bisiesto", "29/02/2024", "2024-02-29", "29 de febrero de 2024", "29/feb/2024"},
+        CasoFecha{"MesAbreviado", "15/ago/2023", "2023-08-15", "15 de agosto de 2023",
+                  "15/ago/2023"},
+        CasoFecha{"MesEnMayusculas", "15/SEP/2023", "2023-09-15", "15 de septiembre de 2023",
+                  "15/sep/2023"},
+        CasoFecha{"Iso", "2024-06-30", "2024-06-30", "30 de junio de 2024", "30/jun/2024"},
+        CasoFecha{"IsoConHora", "2024-06-30 10:11:12", "2024-06-30", "30 de junio de 2024",
+                  "30/jun/2024"},
+        CasoFecha{"DiaQueNoExiste", "31/02/2024", "", "", ""},
+        CasoFecha{"NoBisiesto", "29/02/2023", "", "", ""},
+        CasoFecha{"DiaCero", "00/01/2024", "", "", ""},
+        CasoFecha{"MesTrece", "12/13/2024", "", "", ""},
+        CasoFecha{"MascaraVacia", "__/__/____", "", "", ""},
+        CasoFecha{"MascaraEnBlanco", "  /  /    ", "", "", ""}, CasoFecha{"Vacia", "", "", "", ""},
+        CasoFecha{"AnioDeDosCifras", "05/03/24", "", "", ""},
+        CasoFecha{"LetraAlFinal", "05/03/2024x", "", "", ""},
+        CasoFecha{"Palabra", "hoy", "", "", ""}, CasoFecha{"IsoEnCeros", "0000-00-00", "", "", ""},
+        CasoFecha{"MesDesconocido", "15/xyz/2023", "", "", ""}),
+    pruebas::PorNombre());
 
 TEST(MesesTest, AbreviacionesEnEspanol) {
     const char* esperadas[] = {"ene", "feb", "mar", "abr", "may", "jun",
@@ -80,6 +91,7 @@ TEST(FechaVaciaTest, MascaraYBlancosSonVacios) {
 }
 
 struct CasoVal {
+    const char* nombre;
     const char* texto;
     double valor;
 };
@@ -94,16 +106,20 @@ TEST_P(KvValTest, NumeroInicial) {
     EXPECT_DOUBLE_EQ(LibKRVM().kvVal(GetParam().texto), GetParam().valor);
 }
 
-INSTANTIATE_TEST_SUITE_P(Tabla, KvValTest,
-                         ::testing::Values(CasoVal{"123", 123}, CasoVal{"  42abc", 42},
-                                           CasoVal{"-7.25", -7.25}, CasoVal{"+3", 3},
-                                           CasoVal{"- 5", -5}, CasoVal{"1 000", 1000},
-                                           CasoVal{".5", 0.5}, CasoVal{"12.3.4", 12.3},
-                                           CasoVal{"", 0}, CasoVal{"abc", 0}, CasoVal{"-", 0},
-                                           CasoVal{"$10", 0}, CasoVal{"3,5", 3}, CasoVal{"0007", 7},
-                                           CasoVal{"\t9\t", 9}, CasoVal{"1.5E3", 1500},
-                                           CasoVal{"25e-2", 0.25}, CasoVal{"3e", 3},
-                                           CasoVal{"4E+x", 4}, CasoVal{"-2e2", -200}));
+INSTANTIATE_TEST_SUITE_P(
+    Tabla, KvValTest,
+    ::testing::Values(
+        CasoVal{"Entero", "123", 123}, CasoVal{"BlancosYLetrasDespues", "  42abc", 42},
+        CasoVal{"NegativoConDecimales", "-7.25", -7.25}, CasoVal{"SignoMas", "+3", 3},
+        CasoVal{"SignoSeparado", "- 5", -5}, CasoVal{"BlancoEntreCifras", "1 000", 1000},
+        CasoVal{"SinCeroAntesDelPunto", ".5", 0.5}, CasoVal{"DosPuntos", "12.3.4", 12.3},
+        CasoVal{"Vacio", "", 0}, CasoVal{"Letras", "abc", 0}, CasoVal{"SoloSigno", "-", 0},
+        CasoVal{"SignoDePesos", "$10", 0}, CasoVal{"ComaNoEsDecimal", "3,5", 3},
+        CasoVal{"CerosALaIzquierda", "0007", 7}, CasoVal{"Tabuladores", "\t9\t", 9},
+        CasoVal{"Exponente", "1.5E3", 1500}, CasoVal{"ExponenteNegativo", "25e-2", 0.25},
+        CasoVal{"ExponenteSinCifras", "3e", 3}, CasoVal{"ExponenteConLetra", "4E+x", 4},
+        CasoVal{"NegativoConExponente", "-2e2", -200}),
+    pruebas::PorNombre());
 
 TEST(SumaWhereAndTest, PrimeraCondicionAbreWhereYLasDemasUnenConAnd) {
     LibKRVM kv;

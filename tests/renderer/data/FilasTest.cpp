@@ -9,6 +9,7 @@
 
 #include "renderer/data/Consulta.h"
 #include "renderer/formula/Evaluador.h"
+#include "support/NombresDeCaso.h"
 #include "support/Soporte.h"
 #include "tests/renderer/data/ConexionOdbc.h"
 
@@ -387,6 +388,7 @@ TEST_F(FilasSqlite, FechaCeroYArchivoFaltante) {
 }
 
 struct CasoArchivos {
+    const char* nombre;
     const char* entradas;
     const char* tabla;
     const char* esperado;
@@ -399,15 +401,17 @@ TEST_P(ArchivosDatos, Redireccion) {
     EXPECT_EQ(resolverTabla(GetParam().tabla, m, "datos1"), GetParam().esperado);
 }
 
-INSTANTIATE_TEST_SUITE_P(Casos, ArchivosDatos,
-                         ::testing::Values(CasoArchivos{"bitacorausuarios*tbltemp12",
-                                                        "bitacorausuarios", "datos1.tbltemp12"},
-                                           CasoArchivos{
-                                               "cxc*tanzoreportes.tbltemp3; Titulo100*Titulo100",
-                                               "CXC", "tanzoreportes.tbltemp3"},
-                                           CasoArchivos{"a*b;c*d", "c", "datos1.d"},
-                                           CasoArchivos{"", "edoctacli", "datos1.edoctacli"},
-                                           CasoArchivos{"x*y;", "otra.tabla", "otra.tabla"}));
+INSTANTIATE_TEST_SUITE_P(
+    Casos, ArchivosDatos,
+    ::testing::Values(CasoArchivos{"DestinoEnLaBaseDelReporte", "bitacorausuarios*tbltemp12",
+                                   "bitacorausuarios", "datos1.tbltemp12"},
+                      CasoArchivos{"DestinoConBaseYTablaEnMayusculas",
+                                   "cxc*tanzoreportes.tbltemp3; Titulo100*Titulo100", "CXC",
+                                   "tanzoreportes.tbltemp3"},
+                      CasoArchivos{"SegundaEntrada", "a*b;c*d", "c", "datos1.d"},
+                      CasoArchivos{"SinEntradas", "", "edoctacli", "datos1.edoctacli"},
+                      CasoArchivos{"TablaConBaseSinEntrada", "x*y;", "otra.tabla", "otra.tabla"}),
+    pruebas::PorNombre());
 
 TEST(ArchivosDatos, EntradaMalFormada) {
     EXPECT_THROW(leerArchivosDatos("tabla sin estrella"), ErrorDatos);

@@ -7,6 +7,7 @@
 #include <tuple>
 
 #include "renderer/formula/Evaluador.h"
+#include "support/NombresDeCaso.h"
 
 namespace paratzorep::renderer::formula {
 namespace {
@@ -97,7 +98,8 @@ INSTANTIATE_TEST_SUITE_P(
                       Caso{"{t.Fecha} + 27", Valor::fecha({2024, 4, 1})},
                       Caso{"{t.Fecha} - Date(2024,2,28)", num(6)},
                       Caso{"{t.Momento} + 0.5", Valor::fechaHora({{2024, 3, 5}, {22, 30, 0}})},
-                      Caso{"{t.Vacia} + 3", Valor::fecha({})}));
+                      Caso{"{t.Vacia} + 3", Valor::fecha({})}),
+    pruebas::NombrePor(&Caso::formula, pruebas::NombreDeFormula));
 
 INSTANTIATE_TEST_SUITE_P(
     Logica, Evaluacion,
@@ -123,7 +125,8 @@ INSTANTIATE_TEST_SUITE_P(
         // short-circuit: the right side is not evaluated
         Caso{"1 = 2 and {t.NoExiste} = 1", F}, Caso{"1 = 1 or {t.NoExiste} = 1", V},
         Caso{"if {t.Cero} = 0 then 'cero' else 'otro'", tx("cero")},
-        Caso{"if {t.Nulo} = 0 then 'cero' else 'otro'", tx("otro")}, Caso{"if 1 = 2 then 'x'", N}));
+        Caso{"if {t.Nulo} = 0 then 'cero' else 'otro'", tx("otro")}, Caso{"if 1 = 2 then 'x'", N}),
+    pruebas::NombrePor(&Caso::formula, pruebas::NombreDeFormula));
 
 INSTANTIATE_TEST_SUITE_P(
     Funciones, Evaluacion,
@@ -148,7 +151,8 @@ INSTANTIATE_TEST_SUITE_P(
         Caso{"ToNumber('1,234.5')", num(1234.5)}, Caso{"CurrentDate", Valor::fecha({2024, 3, 5})},
         Caso{"Date({t.Momento})", Valor::fecha({2024, 3, 5})},
         Caso{"Date('05/03/2024')", Valor::fecha({2024, 3, 5})},
-        Caso{"{?UsuarioImpresion}", tx("ANA")}, Caso{"UpperCase({t.Nulo})", N}));
+        Caso{"{?UsuarioImpresion}", tx("ANA")}, Caso{"UpperCase({t.Nulo})", N}),
+    pruebas::NombrePor(&Caso::formula, pruebas::NombreDeFormula));
 
 TEST(Evaluacion, ResumenesPasanPorElContexto) {
     auto ctx = fila();
@@ -218,7 +222,9 @@ INSTANTIATE_TEST_SUITE_P(
             CasoFallo{"Mid('abc')", 1, 1, "la función Mid lleva de 2 a 3 argumentos y recibió 1"},
             CasoFallo{"Sum(3)", 1, 5, "el resumen Sum se calcula sobre un campo o una fórmula"},
             CasoFallo{"if {t.a} 1", 1, 10, "se esperaba 'then' y se encontró '1'"},
-            CasoFallo{"{t.a} = and", 1, 9, "se esperaba un valor y se encontró 'and'"})));
+            CasoFallo{"{t.a} = and", 1, 9, "se esperaba un valor y se encontró 'and'"})),
+    pruebas::NombrePor([](const auto& p) { return std::get<1>(p).formula; },
+                       pruebas::NombreDeFormula));
 
 INSTANTIATE_TEST_SUITE_P(
     AlEvaluar, FormulaFallida,
@@ -238,7 +244,9 @@ INSTANTIATE_TEST_SUITE_P(
                       "tipo número"},
             CasoFallo{"5 in {t.Texto}", 1, 1,
                       "'in' espera un texto y recibió un valor de tipo número"},
-            CasoFallo{"Left('abc', -1)", 1, 1, "Left no admite una longitud negativa"})));
+            CasoFallo{"Left('abc', -1)", 1, 1, "Left no admite una longitud negativa"})),
+    pruebas::NombrePor([](const auto& p) { return std::get<1>(p).formula; },
+                       pruebas::NombreDeFormula));
 
 }  // namespace
 }  // namespace paratzorep::renderer::formula

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "renderer/formula/Formula.h"
+#include "support/NombresDeCaso.h"
 #include "tests/renderer/formula/FormulasDeReportes.h"
 
 namespace paratzorep::renderer::formula {
@@ -55,7 +56,8 @@ INSTANTIATE_TEST_SUITE_P(
         CasoArbol{"{@Total} + {?UsuarioImpresion}", "{@Total} + {?UsuarioImpresion}"},
         CasoArbol{"{ t.a }  // comentario\n = .5", "{t.a} = 0.5"},
         CasoArbol{"Sum({t.Importe}, {t.Clave})", "Sum({t.Importe}, {t.Clave})"},
-        CasoArbol{"{t.a} = 1;", "{t.a} = 1"}));
+        CasoArbol{"{t.a} = 1;", "{t.a} = 1"}),
+    pruebas::NombrePor(&CasoArbol::fuente, pruebas::NombreDeFormula));
 
 TEST(FormulaAnalisis, VaciaSiEstaEnBlanco) {
     EXPECT_TRUE(analizar("").vacia());

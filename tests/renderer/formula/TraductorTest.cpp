@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "renderer/formula/Traductor.h"
+#include "support/NombresDeCaso.h"
 #include "tests/renderer/formula/FormulasDeReportes.h"
 
 namespace paratzorep::renderer::formula {
@@ -62,7 +63,8 @@ INSTANTIATE_TEST_SUITE_P(
         Caso{"{t.a} + 1 > 2", "", "", 1},
         Caso{"{t.a} = 'x' and 'x' = 1", "`t`.`a` = _utf8mb4'x' COLLATE utf8mb4_general_ci",
              "\"t\".\"a\" = 'x' COLLATE tz_general_ci", 1},
-        Caso{"True", "TRUE", "1"}, Caso{"", "", ""}));
+        Caso{"True", "TRUE", "1"}, Caso{"", "", ""}),
+    pruebas::NombrePor(&Caso::formula, pruebas::NombreDeFormula));
 
 TEST(Traduccion, CadaSeleccionDeLosReportesVaCompleta) {
     for (const auto& f : prueba::seleccionesDeReportes()) {

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "renderer/Valor.h"
+#include "support/NombresDeCaso.h"
 
 namespace paratzorep::renderer {
 namespace {
@@ -57,6 +58,7 @@ TEST(Valor, ComparacionEntreTipos) {
 }
 
 struct CasoNumero {
+    const char* nombre;
     double v;
     const char* patron;
     const char* texto;
@@ -70,12 +72,16 @@ TEST_P(Patron, Formatea) {
 
 INSTANTIATE_TEST_SUITE_P(
     Casos, Patron,
-    ::testing::Values(CasoNumero{1234567.891, "#,##0.00", "1,234,567.89"},
-                      CasoNumero{0, "#,##0.00", "0.00"}, CasoNumero{-0.004, "#,##0.00", "0.00"},
-                      CasoNumero{-1234.5, "#,##0", "-1,235"}, CasoNumero{0.5, "#", "1"},
-                      CasoNumero{0.25, "0.###", "0.25"}, CasoNumero{7, "000", "007"},
-                      CasoNumero{99.5, "$#,##0.00 MXN", "$99.50 MXN"},
-                      CasoNumero{1e20, "#,##0", "100,000,000,000,000,000,000"}));
+    ::testing::Values(CasoNumero{"MilesYDecimales", 1234567.891, "#,##0.00", "1,234,567.89"},
+                      CasoNumero{"Cero", 0, "#,##0.00", "0.00"},
+                      CasoNumero{"NegativoQueRedondeaACero", -0.004, "#,##0.00", "0.00"},
+                      CasoNumero{"NegativoSinDecimales", -1234.5, "#,##0", "-1,235"},
+                      CasoNumero{"MedioRedondeaHaciaArriba", 0.5, "#", "1"},
+                      CasoNumero{"DecimalesOpcionales", 0.25, "0.###", "0.25"},
+                      CasoNumero{"CerosALaIzquierda", 7, "000", "007"},
+                      CasoNumero{"TextoAlrededor", 99.5, "$#,##0.00 MXN", "$99.50 MXN"},
+                      CasoNumero{"Enorme", 1e20, "#,##0", "100,000,000,000,000,000,000"}),
+    pruebas::PorNombre());
 
 TEST(Patron, Fechas) {
     const FechaHora f{{2024, 3, 5}, {9, 7, 3}};

@@ -8,6 +8,7 @@
 #include "renderer/layout/ListaPaginas.h"
 #include "renderer/layout/Maquetador.h"
 #include "renderer/template/Plantilla.h"
+#include "support/NombresDeCaso.h"
 
 namespace paratzorep::renderer {
 namespace {
@@ -97,6 +98,7 @@ void CuerpoSobreElPie(const std::vector<Pagina>& paginas) {
 }
 
 struct CasoPaginas {
+    const char* nombre;
     int filas;
     std::string pieReporte;
     int paginas;
@@ -118,10 +120,15 @@ TEST_P(PaginasTest, CortaLasPaginasDondeSeAcabaElCuerpo) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Casos, PaginasTest,
-                         ::testing::Values(CasoPaginas{1, "", 1}, CasoPaginas{14, "", 1},
-                                           CasoPaginas{15, "", 2}, CasoPaginas{28, "", 2},
-                                           CasoPaginas{29, "", 3}, CasoPaginas{13, kFin, 1},
-                                           CasoPaginas{14, kFin, 2}, CasoPaginas{300, "", 22}));
+                         ::testing::Values(CasoPaginas{"UnaFila", 1, "", 1},
+                                           CasoPaginas{"PaginaLlena", 14, "", 1},
+                                           CasoPaginas{"UnaFilaDeMas", 15, "", 2},
+                                           CasoPaginas{"DosPaginasLlenas", 28, "", 2},
+                                           CasoPaginas{"TerceraPagina", 29, "", 3},
+                                           CasoPaginas{"PieDeReporteCabe", 13, kFin, 1},
+                                           CasoPaginas{"PieDeReporteAbrePagina", 14, kFin, 2},
+                                           CasoPaginas{"TrescientasFilas", 300, "", 22}),
+                         pruebas::PorNombre());
 
 const char* kGrupo = R"(<grupo campo="t.grupo" %s>
   <encabezado alto="10"><campo ref="t.grupo" x="0" y="0" ancho="100" alto="10"/></encabezado>
@@ -218,6 +225,7 @@ TEST(Maquetador, CampoQueCreceParteElTextoYEmpujaLaBanda) {
 }
 
 struct CasoPieDeGrupo {
+    const char* nombre;
     int filas;         // rows of the single group
     int paginaDelPie;  // 0-based page that holds the group footer
     double yDelPie;    // its top
@@ -241,9 +249,13 @@ TEST_P(PieDeGrupoTest, ElPieDeGrupoNoInvadeElPieDePagina) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Casos, PieDeGrupoTest,
-                         ::testing::Values(CasoPieDeGrupo{11, 0, 150}, CasoPieDeGrupo{12, 0, 160},
-                                           CasoPieDeGrupo{13, 1, 30}, CasoPieDeGrupo{25, 1, 150},
-                                           CasoPieDeGrupo{26, 1, 160}, CasoPieDeGrupo{27, 2, 30}));
+                         ::testing::Values(CasoPieDeGrupo{"CabeConHueco", 11, 0, 150},
+                                           CasoPieDeGrupo{"CabeAlRas", 12, 0, 160},
+                                           CasoPieDeGrupo{"PasaALaSegunda", 13, 1, 30},
+                                           CasoPieDeGrupo{"SegundaConHueco", 25, 1, 150},
+                                           CasoPieDeGrupo{"SegundaAlRas", 26, 1, 160},
+                                           CasoPieDeGrupo{"PasaALaTercera", 27, 2, 30}),
+                         pruebas::PorNombre());
 
 // Two levels: t.grupo (outer, header only) and t.sub (inner, header and footer).
 std::string DosNiveles(const std::string& atributosInterior) {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/NombresDeCaso.h"
+
 namespace paratzorep::renderer {
 namespace {
 
@@ -32,6 +34,7 @@ TEST_F(MedidorTest, TextoInvalidoOAjenoNoRompe) {
 }
 
 struct CasoParte {
+    const char* nombre;
     const char* texto;
     double anchoEnM;  // the width as a multiple of the width of "m"
     std::vector<std::string> lineas;
@@ -56,12 +59,14 @@ TEST_P(ParteTest, ParteEnBlancosYRespetaElAncho) {
 
 INSTANTIATE_TEST_SUITE_P(
     Casos, ParteTest,
-    ::testing::Values(CasoParte{"mm mm mm", 5.5, {"mm mm", "mm"}},
-                      CasoParte{"mm mm mm", 100, {"mm mm mm"}},
-                      CasoParte{"mmmmmm", 3.5, {"mmm", "mmm"}},  // a word alone too wide
-                      CasoParte{"uno\ndos", 100, {"uno", "dos"}},
-                      CasoParte{"uno\n\ndos", 100, {"uno", "", "dos"}}, CasoParte{"", 10, {""}},
-                      CasoParte{"mm    mm", 2.5, {"mm", "mm"}}));
+    ::testing::Values(CasoParte{"ParteEnUnBlanco", "mm mm mm", 5.5, {"mm mm", "mm"}},
+                      CasoParte{"CabeEnUnaLinea", "mm mm mm", 100, {"mm mm mm"}},
+                      CasoParte{"PalabraMasAnchaQueLaCaja", "mmmmmm", 3.5, {"mmm", "mmm"}},
+                      CasoParte{"SaltoDeLinea", "uno\ndos", 100, {"uno", "dos"}},
+                      CasoParte{"LineaVacia", "uno\n\ndos", 100, {"uno", "", "dos"}},
+                      CasoParte{"TextoVacio", "", 10, {""}},
+                      CasoParte{"VariosBlancosEnElCorte", "mm    mm", 2.5, {"mm", "mm"}}),
+    pruebas::PorNombre());
 
 TEST_F(MedidorTest, AlineaCadaLinea) {
     double ancho = 200;

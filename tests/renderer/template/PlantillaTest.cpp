@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include "support/NombresDeCaso.h"
+
 namespace paratzorep::renderer {
 namespace {
 
@@ -144,7 +146,7 @@ INSTANTIATE_TEST_SUITE_P(
                   "mayor que cualquier página"},
         CasoError{"UnionSinTabla", kIni + "<union tabla=\"b\" de=\"a.x\" a=\"b.x\"/></reporte>", 0,
                   0, "no está declarada"}),
-    [](const auto& info) { return std::string(info.param.nombre); });
+    pruebas::PorNombre());
 
 TEST(Plantilla, ArchivoQueNoExiste) {
     try {

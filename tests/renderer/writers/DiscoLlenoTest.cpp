@@ -16,6 +16,7 @@
 #include "renderer/writers/EscritorTabla.h"
 #include "renderer/writers/PdfEscritor.h"
 #include "renderer/writers/TxtEscritor.h"
+#include "support/NombresDeCaso.h"
 
 namespace paratzorep::renderer {
 namespace {
@@ -127,7 +128,7 @@ INSTANTIATE_TEST_SUITE_P(
                       CasoDisco{"csv", CreaEscritorCsv}, CasoDisco{"xls", CreaEscritorXls},
                       CasoDisco{"xlsx", CreaEscritorXlsx}, CasoDisco{"rtf", CreaEscritorRtf},
                       CasoDisco{"doc", CreaEscritorDoc}),
-    [](const auto& info) { return info.param.extension; });
+    pruebas::NombrePor(&CasoDisco::extension));
 
 }  // namespace
 }  // namespace paratzorep::renderer

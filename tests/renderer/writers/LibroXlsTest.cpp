@@ -13,6 +13,7 @@
 #include "renderer/writers/Cfb.h"
 #include "renderer/writers/ErrorEscritura.h"
 #include "renderer/writers/Unicode.h"
+#include "support/NombresDeCaso.h"
 
 namespace paratzorep::renderer {
 namespace {
@@ -135,8 +136,7 @@ std::vector<CasoTexto> CasosTexto() {
     return casos;
 }
 
-INSTANTIATE_TEST_SUITE_P(Sst, TextosXls, ::testing::ValuesIn(CasosTexto()),
-                         [](const auto& info) { return info.param.nombre; });
+INSTANTIATE_TEST_SUITE_P(Sst, TextosXls, ::testing::ValuesIn(CasosTexto()), pruebas::PorNombre());
 
 TEST(RegistrosSst, ElIndiceExtsstApuntaAlInicioDeCadaCubeta) {
     std::vector<std::u16string> textos;
@@ -182,6 +182,7 @@ TEST(RegistrosSst, ElIndiceExtsstApuntaAlInicioDeCadaCubeta) {
 // A sheet holds 65536 rows; the table continues on new sheets under repeated titles. A
 // table without rows still makes one sheet with its titles.
 struct CasoHojas {
+    const char* nombre;
     bool titulos;
     long filasDatos;
     std::size_t hojas;
@@ -233,14 +234,12 @@ TEST_P(HojasXls, PasaDe65536FilasAOtraHoja) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Limite, HojasXls,
-                         ::testing::Values(CasoHojas{true, 0, 1, 1},
-                                           CasoHojas{false, 65536, 1, 65536},
-                                           CasoHojas{false, 65537, 2, 1},
-                                           CasoHojas{true, 65535 * 2 + 5, 3, 6}),
-                         [](const auto& info) {
-                             return std::to_string(info.param.filasDatos) +
-                                    (info.param.titulos ? "_con_titulos" : "_filas");
-                         });
+                         ::testing::Values(CasoHojas{"SoloTitulos", true, 0, 1, 1},
+                                           CasoHojas{"UnaHojaLlena", false, 65536, 1, 65536},
+                                           CasoHojas{"UnaFilaDeMas", false, 65537, 2, 1},
+                                           CasoHojas{"TresHojasConTitulos", true, 65535 * 2 + 5, 3,
+                                                     6}),
+                         pruebas::PorNombre());
 
 TEST(NombreHojaValido, CumpleLasReglasDeExcel) {
     struct Caso {

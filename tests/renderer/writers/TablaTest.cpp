@@ -12,6 +12,7 @@
 #include "renderer/writers/ErrorEscritura.h"
 #include "renderer/writers/EscritorTabla.h"
 #include "renderer/writers/LibroXlsx.h"
+#include "support/NombresDeCaso.h"
 
 namespace paratzorep::renderer {
 namespace {
@@ -198,7 +199,7 @@ TEST_P(TablaLibro, ConservaTiposYTotalesBajoSuColumna) {
 
 INSTANTIATE_TEST_SUITE_P(Formatos, TablaLibro,
                          ::testing::Values(Formato{"xls", "xlrd"}, Formato{"xlsx", "openpyxl"}),
-                         [](const auto& info) { return info.param.first; });
+                         pruebas::NombrePor(&Formato::first));
 
 TEST(AgruparColumnas, TextosQueSeTraslapanCompartenColumna) {
     auto cols = detail::AgruparColumnas({{100, 200}, {10, 50}, {150, 190}, {60, 95}, {120, 300}});

@@ -14,6 +14,7 @@
 
 #include "Muestra.h"
 #include "renderer/writers/ErrorEscritura.h"
+#include "support/NombresDeCaso.h"
 
 namespace paratzorep::renderer {
 namespace {
@@ -93,7 +94,7 @@ INSTANTIATE_TEST_SUITE_P(
                     {Texto(10, 10, 54, "Total")},
                     {"Total", "--------"},
                     {{10, 25, 10 + 5.4 * 8, 25, 0.5}}}),
-    [](const auto& info) { return std::string(info.param.nombre); });
+    pruebas::PorNombre());
 
 TEST(TxtEscritor, MuestraConColumnasAlineadasYSaltoDePagina) {
     Medidor medidor;
