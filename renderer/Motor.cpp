@@ -18,9 +18,9 @@
 #include "renderer/layout/Medidor.h"
 #include "renderer/writers/ErrorEscritura.h"
 #include "renderer/writers/EscritorRtf.h"
-#include "renderer/writers/EscritorTabla.h"
 #include "renderer/writers/PdfEscritor.h"
 #include "renderer/writers/PngEscritor.h"
+#include "renderer/writers/TablaDatos.h"
 #include "renderer/writers/TxtEscritor.h"
 
 namespace paratzorep::renderer {
@@ -188,9 +188,9 @@ std::string CarpetaTemporal() {
 Motor::Motor() : imprimir_(ImprimirEnCups) {
     RegistraEscritor(InfoDe(TipoArchivo::Rtf).codigo, CreaEscritorRtf);
     RegistraEscritor(InfoDe(TipoArchivo::Doc).codigo, CreaEscritorDoc);
-    RegistraEscritor(InfoDe(TipoArchivo::Xls).codigo, CreaEscritorXls);
-    RegistraEscritor(InfoDe(TipoArchivo::Xlsx).codigo, CreaEscritorXlsx);
-    RegistraEscritor(InfoDe(TipoArchivo::Csv).codigo, CreaEscritorCsv);
+    RegistraTabla(InfoDe(TipoArchivo::Xls).codigo, CreaTablaXls);
+    RegistraTabla(InfoDe(TipoArchivo::Xlsx).codigo, CreaTablaXlsx);
+    RegistraTabla(InfoDe(TipoArchivo::Csv).codigo, CreaTablaCsv);
 }
 
 Motor::~Motor() = default;
@@ -258,7 +258,13 @@ void Motor::Parametro(const std::string& nombre, const std::string& valor) {
 }
 
 void Motor::RegistraEscritor(int codigo, FabricaEscritor fabrica) {
+    fabricasTabla_.erase(codigo);
     fabricas_[codigo] = std::move(fabrica);
+}
+
+void Motor::RegistraTabla(int codigo, FabricaTabla fabrica) {
+    fabricas_.erase(codigo);
+    fabricasTabla_[codigo] = std::move(fabrica);
 }
 
 void Motor::Action(int valor) {
@@ -294,7 +300,7 @@ void Motor::Renderiza() {
         tipo = TipoPorCodigo(tipoArchivo_);
         if (!tipo) throw ErrorMotor("Tipo de archivo desconocido: " + std::to_string(tipoArchivo_));
         if (tipo->tipo != TipoArchivo::Pdf && tipo->tipo != TipoArchivo::Txt &&
-            !fabricas_.count(tipo->codigo))
+            !fabricas_.count(tipo->codigo) && !fabricasTabla_.count(tipo->codigo))
             throw ErrorMotor("El tipo de archivo " + std::string(tipo->extension) +
                              " no está disponible");
     }
@@ -374,6 +380,16 @@ void Motor::Renderiza() {
             png.Termina();
         });
     }
+    // Tabular types take the report's data, record by record as the layout reads them.
+    std::unique_ptr<TablaDatos> tabla;
+    if (tipo && fabricasTabla_.count(tipo->codigo)) {
+        const Documento d = maquetador.DocumentoSalida();
+        const std::string titulo = titulo_.empty() ? d.titulo : titulo_;
+        tabla = std::make_unique<TablaDatos>(
+            fabricasTabla_.at(tipo->codigo)(nombreArchivo_, titulo), maquetador.ColumnasDatos(),
+            ImpresionHoja{d.anchoPagina, d.altoPagina, titulo});
+        maquetador.AlRegistro([&tabla](const std::vector<Valor>& v) { tabla->Registro(v); });
+    }
     auto r = maquetador.Maqueta(fuente, lista);
     datos.cursor.reset();  // the connection goes before the slow part, the output
     resultado_.paginas = r.paginas;
@@ -394,6 +410,9 @@ void Motor::Renderiza() {
         imprimir_(pdf, impresora_, copias_ < 1 ? 1 : copias_, doc.titulo);
         std::error_code ec;
         std::filesystem::remove(pdf, ec);
+    } else if (tabla) {
+        tabla->Termina();
+        resultado_.archivos.push_back(nombreArchivo_);
     } else {
         std::unique_ptr<Escritor> escritor;
         if (tipo->tipo == TipoArchivo::Pdf)

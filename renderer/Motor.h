@@ -16,6 +16,7 @@
 #include "renderer/layout/Maquetador.h"
 #include "renderer/template/Plantilla.h"
 #include "renderer/writers/Escritor.h"
+#include "renderer/writers/TablaDatos.h"
 
 namespace paratzorep::renderer {
 
@@ -114,7 +115,9 @@ class Motor {
     void Datos(ProveedorDatos proveedor) { proveedor_ = std::move(proveedor); }
     // Printing goes to CUPS (impresion/Impresora.h) unless another function is set.
     void Imprimir(FuncionImprimir f) { imprimir_ = std::move(f); }
+    // The writer of a file type: over the laid-out pages, or over the report's data (tables).
     void RegistraEscritor(int codigo, FabricaEscritor fabrica);
+    void RegistraTabla(int codigo, FabricaTabla fabrica);
     void CarpetaVistaPrevia(const std::string& carpeta) { carpetaVista_ = carpeta; }
     const std::string& CarpetaVistaPrevia() const { return carpetaVista_; }
     void SalidaPantalla(std::ostream* salida) { salidaPantalla_ = salida; }
@@ -143,6 +146,7 @@ class Motor {
     ProveedorDatos proveedor_;
     FuncionImprimir imprimir_;
     std::map<int, FabricaEscritor> fabricas_;
+    std::map<int, FabricaTabla> fabricasTabla_;
     std::string carpetaVista_;
     std::ostream* salidaPantalla_ = nullptr;
     ResultadoMotor resultado_;

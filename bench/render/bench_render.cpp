@@ -1,6 +1,6 @@
 // Renderer benchmark: a report with three group levels and about 50 detail rows a page,
-// laid out once (with the screen path's early first preview page) and replayed to PDF,
-// TXT and XLSX. Prints rows/s, pages/s, the time to the first preview page, the size of
+// laid out once (with the screen path's early first preview page) and replayed to PDF
+// and TXT. Prints rows/s, pages/s, the time to the first preview page, the size of
 // the on-disk page list and the peak memory.
 //
 //   bench_render [rows] [output folder]
@@ -24,7 +24,6 @@
 #include "renderer/data/Consulta.h"
 #include "renderer/layout/ListaPaginas.h"
 #include "renderer/layout/Maquetador.h"
-#include "renderer/writers/EscritorTabla.h"
 #include "renderer/writers/PdfEscritor.h"
 #include "renderer/writers/PngEscritor.h"
 #include "renderer/writers/TxtEscritor.h"
@@ -292,7 +291,6 @@ int main(int argc, char** argv) {
         const std::vector<Salida> salidas = {
             {"PDF", [&] { return std::make_unique<PdfEscritor>(carpeta + "/bench.pdf", medidor); }},
             {"TXT", [&] { return std::make_unique<TxtEscritor>(carpeta + "/bench.txt"); }},
-            {"XLSX", [&] { return CreaEscritorXlsx(carpeta + "/bench.xlsx"); }},
         };
         for (const auto& s : salidas) {
             auto t1 = Reloj::now();

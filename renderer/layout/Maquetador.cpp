@@ -154,6 +154,19 @@ struct Maquetador::Impl {
     SeccionCompilada encRep, encPag, detalle, piePag, pieRep;
     std::vector<SeccionCompilada> encGrupo, pieGrupo;
     std::vector<int> slotGrupo;
+    std::vector<std::vector<Valor>> filaEncabezado;  // per level: the row its group started with
+
+    // Data records for the tabular exports: where each column's value comes from.
+    struct OrigenColumna {
+        const ElementoCompilado* ec = nullptr;  // the element; null: the group's own value
+        int slot = -1;                          // when `ec` is null
+        int nivel = 0;                          // 0 detail (or innermost footer); k group header
+    };
+    std::vector<ColumnaDatos> columnasDatos;
+    std::vector<OrigenColumna> origenDatos;
+    bool registroEnPie = false;        // the detail shows no value: one record per innermost group
+    std::vector<Valor> registroDatos;  // the record being built; group columns kept between rows
+    std::function<void(const std::vector<Valor>&)> alRegistro;
 
     // Layout state
     ListaPaginas* salida = nullptr;
@@ -199,6 +212,178 @@ struct Maquetador::Impl {
             throw ErrorPlantilla(p.archivo, 0, 0,
                                  "el encabezado y el pie de página no dejan espacio para el cuerpo "
                                  "del reporte");
+        filaEncabezado.resize(p.grupos.size());
+        ArmaColumnasDatos();
+    }
+
+    // ---- data columns ----
+
+    static bool EsDato(const ElementoPlantilla& e) {
+        switch (e.tipo) {
+            case TipoElemento::Campo:
+            case TipoElemento::Formula:
+            case TipoElemento::Parametro:
+            case TipoElemento::Resumen:
+                return true;
+            case TipoElemento::Especial:
+                return e.especial == CampoEspecial::NumeroRegistro;
+            default:
+                return false;
+        }
+    }
+
+    double AnchoDe(const ElementoPlantilla& e) const {
+        return e.ancho > 0 ? e.ancho : std::max(p.pagina.AnchoUtil() - e.x, 1.0);
+    }
+    static double AltoDe(const ElementoPlantilla& e) {
+        return e.alto > 0 ? e.alto : e.fuente.tamano * 1.2;
+    }
+
+    static std::string NombreCampo(const std::string& ref) {
+        auto punto = ref.rfind('.');
+        return punto == std::string::npos ? ref : ref.substr(punto + 1);
+    }
+
+    // A value's column title: the template's `titulo`; under the page header, the heading
+    // over it; else the label on its left in the same band; else the field's own name.
+    std::string TituloColumna(const SeccionCompilada& sc, const ElementoPlantilla& e,
+                              bool bajoEncabezado) const {
+        if (!e.titulo.empty()) return e.titulo;
+        const double x0 = e.x, x1 = e.x + AnchoDe(e);
+        if (bajoEncabezado && !encPag.Vacia()) {
+            const ElementoPlantilla* mejor = nullptr;
+            double mejorTraslape = 0;
+            for (const auto& t : encPag.sec->elementos) {
+                if (t.tipo != TipoElemento::Texto || t.valor.empty()) continue;
+                double traslape = std::min(x1, t.x + AnchoDe(t)) - std::max(x0, t.x);
+                if (traslape > mejorTraslape + 1e-6 ||
+                    (mejor && std::abs(traslape - mejorTraslape) <= 1e-6 && t.y > mejor->y)) {
+                    mejor = &t;
+                    mejorTraslape = traslape;
+                }
+            }
+            if (mejor) return mejor->valor;
+        }
+        const ElementoPlantilla* etiqueta = nullptr;
+        for (const auto& t : sc.sec->elementos) {
+            if (t.tipo != TipoElemento::Texto || t.valor.empty() || t.x >= x0) continue;
+            if (t.y >= e.y + AltoDe(e) || e.y >= t.y + AltoDe(t)) continue;
+            if (!etiqueta || t.x > etiqueta->x) etiqueta = &t;
+        }
+        // A label is the text just before the value, with no other value in between.
+        if (etiqueta && std::any_of(sc.sec->elementos.begin(), sc.sec->elementos.end(),
+                                    [&](const ElementoPlantilla& o) {
+                                        return &o != &e && EsDato(o) && o.x > etiqueta->x &&
+                                               o.x < x0;
+                                    }))
+            etiqueta = nullptr;
+        if (etiqueta) {
+            std::string r = etiqueta->valor;
+            while (!r.empty() && (r.back() == ':' || r.back() == ' ')) r.pop_back();
+            if (!r.empty()) return r;
+        }
+        switch (e.tipo) {
+            case TipoElemento::Campo:
+                return NombreCampo(e.valor);
+            case TipoElemento::Resumen: {
+                static const char* kFuncion[] = {"Suma",     "Cuenta", "Distintos",
+                                                 "Promedio", "Mínimo", "Máximo"};
+                return std::string(kFuncion[static_cast<int>(e.funcion)]) + " de " +
+                       (e.resumenDeFormula ? e.valor : NombreCampo(e.valor));
+            }
+            case TipoElemento::Especial:
+                return "Registro";
+            default:
+                return e.valor;
+        }
+    }
+
+    // The columns: the values of each group's header, outermost first (the group's own value
+    // when its header shows none), then the detail's left to right; a value already in a
+    // column is not repeated. A detail that shows no value gives way to the innermost
+    // group's footer.
+    void ArmaColumnasDatos() {
+        std::vector<Referencia> vistos;
+        auto yaVisto = [&](const Referencia& r) {
+            if (std::find(vistos.begin(), vistos.end(), r) != vistos.end()) return true;
+            vistos.push_back(r);
+            return false;
+        };
+        auto agrega = [&](const SeccionCompilada& sc, int nivel, bool bajoEncabezado) {
+            std::vector<const ElementoCompilado*> lista;
+            if (!sc.Vacia())
+                for (const auto& ec : sc.elementos)
+                    if (EsDato(*ec.el)) lista.push_back(&ec);
+            std::stable_sort(lista.begin(), lista.end(), [](const auto* a, const auto* b) {
+                return a->el->x != b->el->x ? a->el->x < b->el->x : a->el->y < b->el->y;
+            });
+            int agregadas = 0;
+            for (const auto* ec : lista) {
+                const ElementoPlantilla& e = *ec->el;
+                if (ec->slot >= 0 && e.tipo != TipoElemento::Parametro &&
+                    yaVisto(referencias[static_cast<std::size_t>(ec->slot)]))
+                    continue;
+                std::string formato = e.formato;
+                if (formato.empty() && e.tipo == TipoElemento::Resumen &&
+                    (e.funcion == FuncionResumen::Cuenta ||
+                     e.funcion == FuncionResumen::CuentaDistintos))
+                    formato = "#,##0";
+                columnasDatos.push_back({TituloColumna(sc, e, bajoEncabezado), formato, nivel});
+                origenDatos.push_back({ec, -1, nivel});
+                ++agregadas;
+            }
+            return agregadas;
+        };
+        for (std::size_t i = 0; i < p.grupos.size(); ++i) {
+            const int nivel = static_cast<int>(i + 1);
+            if (agrega(encGrupo[i], nivel, false) > 0) continue;
+            const Referencia& r = referencias[static_cast<std::size_t>(slotGrupo[i])];
+            if (yaVisto(r)) continue;
+            columnasDatos.push_back(
+                {r.tipo == Referencia::Tipo::Campo ? NombreCampo(r.nombre) : r.nombre, "", nivel});
+            origenDatos.push_back({nullptr, slotGrupo[i], nivel});
+        }
+        registroEnPie =
+            !p.grupos.empty() && std::none_of(detalle.elementos.begin(), detalle.elementos.end(),
+                                              [](const auto& ec) { return EsDato(*ec.el); });
+        agrega(registroEnPie ? pieGrupo.back() : detalle, 0, true);
+        // Titles name columns: the same title twice gets a number.
+        for (std::size_t i = 0; i < columnasDatos.size(); ++i) {
+            int n = 1;
+            for (std::size_t j = 0; j < i; ++j)
+                if (columnasDatos[j].titulo == columnasDatos[i].titulo) ++n;
+            if (n > 1) columnasDatos[i].titulo += " " + std::to_string(n);
+        }
+        registroDatos.resize(columnasDatos.size());
+    }
+
+    Valor ValorDe(const OrigenColumna& o, const std::vector<Valor>& vals) const {
+        if (!o.ec) return vals[static_cast<std::size_t>(o.slot)];
+        switch (o.ec->el->tipo) {
+            case TipoElemento::Campo:
+            case TipoElemento::Formula:
+            case TipoElemento::Parametro:
+                return vals[static_cast<std::size_t>(o.ec->slot)];
+            case TipoElemento::Resumen:
+                return acumuladores[static_cast<std::size_t>(o.ec->acumulador)].Resultado();
+            case TipoElemento::Especial:
+                return Valor::numero(static_cast<double>(registro));
+            default:
+                return {};
+        }
+    }
+
+    // A group of level `nivel` started with `vals`: its header's values stay in the records
+    // until the group ends.
+    void TomaEncabezado(int nivel, const std::vector<Valor>& vals) {
+        for (std::size_t c = 0; c < origenDatos.size(); ++c)
+            if (origenDatos[c].nivel == nivel) registroDatos[c] = ValorDe(origenDatos[c], vals);
+    }
+
+    void EmiteRegistro(const std::vector<Valor>& vals) {
+        for (std::size_t c = 0; c < origenDatos.size(); ++c)
+            if (origenDatos[c].nivel == 0) registroDatos[c] = ValorDe(origenDatos[c], vals);
+        alRegistro(registroDatos);
     }
 
     int Slot(const Referencia& r) {
@@ -450,7 +635,9 @@ struct Maquetador::Impl {
 
     // ---- pages ----
 
-    void AbrePagina(const std::vector<Valor>& vals) {
+    // Opens a page. The headers of the groups 1..`vigentes` that go on across the break and
+    // ask for it print again under the page header, with their group's values.
+    void AbrePagina(const std::vector<Valor>& vals, int vigentes = 0) {
         pagina.pagina = Pagina{};
         pagina.pendientes.clear();
         pagina.pagina.numero = ++numeroPagina;
@@ -473,6 +660,15 @@ struct Maquetador::Impl {
             y += std::min(bpPagina.alto, limite - y);
         }
         cuerpoInicio = y;
+        for (int k = 1; k <= vigentes; ++k) {
+            const auto i = static_cast<std::size_t>(k - 1);
+            if (!p.grupos[i].repetirEncabezado || filaEncabezado[i].empty()) continue;
+            Prepara(encGrupo[i], filaEncabezado[i], bpPagina);
+            if (bpPagina.suprimida) continue;
+            // Not body content: a band that follows still goes on this page whatever its size.
+            Coloca(bpPagina, y, limite);
+            y += std::min(bpPagina.alto, limite - y);
+        }
     }
 
     void CierraPagina(const std::vector<Valor>& vals) {
@@ -490,11 +686,12 @@ struct Maquetador::Impl {
 
     // Makes room for `alto` points: a new page when they do not fit and the page already
     // holds body bands (on a fresh page the band goes anyway, clipped above the footer).
+    // `vigentes`: the group levels that go on across a break here (their headers may repeat).
     void Asegura(double alto, const std::vector<Valor>& anteriores,
-                 const std::vector<Valor>& actuales) {
+                 const std::vector<Valor>& actuales, int vigentes) {
         if (y + alto <= limite + 1e-6 || !contenido) return;
         CierraPagina(anteriores);
-        AbrePagina(actuales);
+        AbrePagina(actuales, vigentes);
     }
 
     void ColocaCuerpo(BandaPreparada& b) {
@@ -608,7 +805,7 @@ struct Maquetador::Impl {
         // before the outermost header, so that no header is left behind on the old page.
         if (paginaNueva && contenido) {
             CierraPagina(primera ? actual : anteriores);
-            AbrePagina(actual);
+            AbrePagina(actual, nivel - 1);
         }
         // Keep-together of the outermost level that can keep its group on one page,
         // counting the headers of the levels above it that print with it.
@@ -617,25 +814,43 @@ struct Maquetador::Impl {
             if (p.grupos[static_cast<std::size_t>(k - 1)].juntos) {
                 double alto = encima + AltoGrupo(k, actual);
                 if (alto <= AltoCuerpoPagina()) {
-                    Asegura(alto, anteriores, actual);
+                    Asegura(alto, anteriores, actual, nivel - 1);
                     break;
                 }
             }
             encima += MedidaFija(encGrupo[static_cast<std::size_t>(k - 1)]);
         }
         // A group header never stays alone at the foot of a page: it goes with the
-        // headers below it and the first detail.
+        // headers below it and the first detail (and the footers that detail closes).
         double conPrimera = 0;
         for (int k = nivel; k <= niveles; ++k) {
             Prepara(encGrupo[static_cast<std::size_t>(k - 1)], actual, bp);
             if (!bp.suprimida) conPrimera += bp.alto;
         }
         conPrimera += AltoDetalle(actual);
-        Asegura(conPrimera, anteriores, actual);
+        const double conPies = conPrimera + AltoPiesQueCierra(actual);
+        Asegura(conPies <= AltoCuerpoPagina() ? conPies : conPrimera, anteriores, actual,
+                nivel - 1);
         for (int k = nivel; k <= niveles; ++k) {
-            Prepara(encGrupo[static_cast<std::size_t>(k - 1)], actual, bp);
+            const auto i = static_cast<std::size_t>(k - 1);
+            filaEncabezado[i] = actual;
+            Prepara(encGrupo[i], actual, bp);
             if (!bp.suprimida) ColocaCuerpo(bp);
+            if (alRegistro) TomaEncabezado(k, actual);
         }
+    }
+
+    // The footers that follow the detail of `actual` when it is the last row of its group:
+    // the height they need on the same page (0 when the next row stays in every group).
+    double AltoPiesQueCierra(const std::vector<Valor>& actual) {
+        const int niveles = static_cast<int>(slotGrupo.size());
+        if (niveles == 0) return 0;
+        const std::vector<Valor>* sig = Mira(0);
+        const int cambio = sig ? NivelCambio(actual, *sig) : 1;
+        if (cambio == 0) return 0;
+        double alto = 0;
+        for (int k = cambio; k <= niveles; ++k) alto += MedidaFija(pieGrupo[k - 1]);
+        return alto;
     }
 
     void PiesHasta(int nivel, const std::vector<Valor>& anteriores) {
@@ -644,7 +859,9 @@ struct Maquetador::Impl {
             if (bp.suprimida) continue;
             // A footer that does not fit goes to the next page, which still belongs to
             // the group that ends: its page header shows that group's values.
-            Asegura(bp.alto, anteriores, anteriores);
+            Asegura(bp.alto, anteriores, anteriores, k);
+            if (alRegistro && registroEnPie && k == static_cast<int>(slotGrupo.size()))
+                EmiteRegistro(anteriores);
             ColocaCuerpo(bp);
         }
     }
@@ -680,7 +897,7 @@ struct Maquetador::Impl {
             }
             Prepara(pieRep, actual, bp);
             if (!bp.suprimida) {
-                Asegura(bp.alto, actual, actual);
+                Asegura(bp.alto, actual, actual, 0);
                 ColocaCuerpo(bp);
             }
             CierraPagina(actual);
@@ -692,19 +909,21 @@ struct Maquetador::Impl {
         EncabezadosDesde(1, actual, actual, true);
         while (true) {
             // Detail
-            double altoDet = 0;
             Prepara(detalle, actual, bp);
-            if (!bp.suprimida) {
-                altoDet = bp.alto;
-                if (y + altoDet > limite + 1e-6 && contenido) {
-                    Asegura(altoDet, anterior.empty() ? actual : anterior, actual);
-                }
+            if (!bp.suprimida && contenido) {
+                // The last row of a group goes with the footers it closes: no footer opens
+                // a page alone (unless row and footers together exceed a page).
+                const double conPies = bp.alto + AltoPiesQueCierra(actual);
+                Asegura(conPies <= AltoCuerpoPagina() ? conPies : bp.alto,
+                        anterior.empty() ? actual : anterior, actual,
+                        static_cast<int>(slotGrupo.size()));
             }
             ++registro;
             for (auto& a : acumuladores) a.Agrega(actual[static_cast<std::size_t>(a.Slot())]);
             // Running values include this row: measure again with the totals updated.
             if (detalleConResumen) Prepara(detalle, actual, bp);
             if (!bp.suprimida) ColocaCuerpo(bp);
+            if (alRegistro && !registroEnPie) EmiteRegistro(actual);
 
             anterior.swap(actual);
             if (!Lee(actual)) break;
@@ -718,7 +937,7 @@ struct Maquetador::Impl {
         PiesHasta(1, anterior);
         Prepara(pieRep, anterior, bp);
         if (!bp.suprimida) {
-            Asegura(bp.alto, anterior, anterior);
+            Asegura(bp.alto, anterior, anterior, 0);
             ColocaCuerpo(bp);
         }
         CierraPagina(anterior);
@@ -741,6 +960,14 @@ ResultadoMaquetado Maquetador::Maqueta(FuenteFilas& filas, ListaPaginas& salida)
 
 void Maquetador::AlCerrarPagina(std::function<void(int)> aviso) {
     impl_->aviso = std::move(aviso);
+}
+
+const std::vector<ColumnaDatos>& Maquetador::ColumnasDatos() const {
+    return impl_->columnasDatos;
+}
+
+void Maquetador::AlRegistro(std::function<void(const std::vector<Valor>&)> registro) {
+    impl_->alRegistro = std::move(registro);
 }
 
 Documento Maquetador::DocumentoSalida() const {

@@ -61,6 +61,13 @@ class Maquetador {
     // the first page while the rest is still being laid out).
     void AlCerrarPagina(std::function<void(int)> aviso);
 
+    // The data columns: each group header's values (outermost first), then the detail's, left
+    // to right. When the detail shows no value, the innermost group's footer takes its place.
+    const std::vector<ColumnaDatos>& ColumnasDatos() const;
+    // Called with one value per data column for every record: each detail row (or each
+    // innermost group, at its footer). Group values are those its header printed.
+    void AlRegistro(std::function<void(const std::vector<Valor>&)> registro);
+
     // The document description for the writers (page size, fonts), valid after Maqueta.
     Documento DocumentoSalida() const;
 

@@ -22,7 +22,7 @@ struct Fuente {
 
 enum class Alineacion : std::uint8_t { Izquierda, Centro, Derecha };
 
-// The band a text came from, so that tabular writers (CSV, XLS, XLSX) can rebuild rows:
+// The band a text came from, for writers and checks that tell bands apart:
 // every printed instance of a band has its own `banda` number, increasing through the report.
 enum class TipoBanda : std::uint8_t {
     EncabezadoReporte,
@@ -77,6 +77,14 @@ struct Pagina {
     std::vector<ElementoCaja> cajas;    // drawn first
     std::vector<ElementoLinea> lineas;  // then lines
     std::vector<ElementoTexto> textos;  // then texts
+};
+
+// A column of the report's data, for the tabular exports (CSV, XLS, XLSX): a value that the
+// detail shows, or one of an enclosing group's header.
+struct ColumnaDatos {
+    std::string titulo;
+    std::string formato;  // the element's display format; "" none
+    int nivelGrupo = 0;   // 0 the detail; k the header of group level k (1 outermost)
 };
 
 // What every writer learns before the first page.

@@ -348,7 +348,7 @@ class Lector {
     }
 
     GrupoPlantilla LeeGrupo(const pugi::xml_node& n, int nivel) {
-        Atributos(n, {"campo", "formula", "orden", "juntos", "paginaNueva"});
+        Atributos(n, {"campo", "formula", "orden", "juntos", "paginaNueva", "repetirEncabezado"});
         GrupoPlantilla g;
         bool campo = n.attribute("campo"), formula = n.attribute("formula");
         if (campo == formula) Falla(n, "un grupo lleva 'campo' o 'formula' (uno de los dos)");
@@ -361,6 +361,7 @@ class Lector {
             Falla(n, "orden desconocido '" + orden + "' (se admite 'asc' o 'desc')");
         g.juntos = Booleano(n, "juntos");
         g.paginaNueva = Booleano(n, "paginaNueva");
+        g.repetirEncabezado = Booleano(n, "repetirEncabezado");
         for (pugi::xml_node h : n.children()) {
             if (h.type() != pugi::node_element) continue;
             std::string nombre = h.name();
@@ -439,6 +440,7 @@ class Lector {
 
         std::vector<std::string_view> validos = {"x",      "y",      "ancho",  "alto",  "familia",
                                                  "tamano", "estilo", "alinea", "crece", "formato"};
+        if (el.tipo != TipoElemento::Texto) validos.push_back("titulo");
         switch (el.tipo) {
             case TipoElemento::Campo:
                 validos.push_back("ref");
@@ -482,6 +484,7 @@ class Lector {
         }
         el.crece = Booleano(n, "crece");
         el.formato = n.attribute("formato").value();
+        el.titulo = n.attribute("titulo").value();
 
         switch (el.tipo) {
             case TipoElemento::Texto:

@@ -99,6 +99,7 @@ struct ElementoPlantilla {
     std::optional<Alineacion> alineacion;  // unset: numbers right, everything else left
     bool crece = false;                    // can-grow: wraps and pushes the section down
     std::string formato;                   // display format ("#,##0.00", "dd/mmm/yyyy")
+    std::string titulo;  // the value's column title in the data exports; empty: found by layout
     // Texto: the literal; Campo: "tabla.campo"; Formula, Parametro: the name;
     // Resumen: the summarized field ("tabla.campo") or formula name; Especial: a pattern
     // with {N} (page) and {M} (total pages), empty for the default wording.
@@ -129,6 +130,8 @@ struct GrupoPlantilla {
     bool descendente = false;
     bool juntos = false;       // keep the group together on one page when it fits
     bool paginaNueva = false;  // each group starts a new page
+    bool repetirEncabezado =
+        false;  // the header prints again atop each page the group continues on
     SeccionPlantilla encabezado;
     SeccionPlantilla pie;
 };

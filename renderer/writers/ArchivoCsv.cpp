@@ -78,6 +78,16 @@ std::string FechaCsv(double serie) {
     return buf;
 }
 
+std::string HoraCsv(double fraccion) {
+    if (!std::isfinite(fraccion)) return {};
+    long long segundos = std::llround(fraccion * 86400.0);
+    if (segundos < 0) segundos = 0;
+    char buf[32];
+    std::snprintf(buf, sizeof buf, "%02lld:%02lld:%02lld", segundos / 3600, segundos / 60 % 60,
+                  segundos % 60);
+    return buf;
+}
+
 }  // namespace detail
 
 ArchivoCsv::ArchivoCsv(std::filesystem::path archivo)
@@ -119,6 +129,9 @@ void ArchivoCsv::Fila(std::span<const CeldaTabla> celdas) {
                 break;
             case CeldaTabla::Tipo::Fecha:
                 linea_ += detail::FechaCsv(c.numero);
+                break;
+            case CeldaTabla::Tipo::Hora:
+                linea_ += detail::HoraCsv(c.numero);
                 break;
             case CeldaTabla::Tipo::Texto:
                 linea_ += detail::CampoCsv(c.texto);

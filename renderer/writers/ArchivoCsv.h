@@ -3,8 +3,9 @@
 // byte-order mark: Excel reads a CSV as the system's ANSI code page unless the mark is
 // there (accents would break), and LibreOffice and Python's "utf-8-sig" accept it.
 // Numbers use "." and no thousands separator, rounded to the decimals their format
-// shows; dates are ISO 8601 ("2024-02-29", with " 13:30:00" when they carry a time),
-// which both spreadsheets recognise whatever the locale.
+// shows; dates are ISO 8601 ("2024-02-29", with " 13:30:00" when they carry a time), times
+// "13:30:00", which both spreadsheets recognise whatever the locale. The title row is
+// written even when no row follows.
 #pragma once
 
 #include <filesystem>
@@ -39,6 +40,7 @@ namespace detail {
 std::string CampoCsv(std::string_view texto);
 std::string NumeroCsv(double valor, int decimales);
 std::string FechaCsv(double serie);
+std::string HoraCsv(double fraccion);  // "hh:mm:ss"
 int DecimalesDeFormato(std::string_view formato);
 }  // namespace detail
 

@@ -36,6 +36,18 @@ enum : std::uint16_t {
     kNumber = 0x0203,
     kLabelsst = 0x00FD,
     kWindow2 = 0x023E,
+    kPane = 0x0041,
+    kSelection = 0x001D,
+    kWsbool = 0x0081,
+    kHeader = 0x0014,
+    kFooter = 0x0015,
+    kHcenter = 0x0083,
+    kVcenter = 0x0084,
+    kSetup = 0x00A1,
+    kAutofilterinfo = 0x009D,
+    kSupbook = 0x01AE,
+    kExternsheet = 0x0017,
+    kName = 0x0018,
 };
 
 constexpr std::uint16_t kPrimerXfCelda = 15;
@@ -155,6 +167,37 @@ std::string RegistrosSst(const std::vector<std::u16string>& textos, std::uint32_
     return b.str();
 }
 
+std::string RegistrosNombres(const std::vector<std::uint32_t>& filas, std::uint16_t columnas) {
+    Bytes b;
+    if (filas.empty() || columnas == 0) return b.str();
+    const auto hojas = static_cast<std::uint16_t>(filas.size());
+    // The workbook's own sheets as external references: one XTI per sheet.
+    Registro(b, kSupbook, Bytes{}.u16(hojas).u16(0x0401));
+    Bytes xti;
+    xti.u16(hojas);
+    for (std::uint16_t h = 0; h < hojas; ++h) xti.u16(0).u16(h).u16(h);
+    Registro(b, kExternsheet, xti);
+    // A sheet-level built-in name over rows and columns of sheet h (ptgArea3d, absolute).
+    auto nombre = [&](std::uint16_t h, std::uint16_t opciones, std::uint8_t codigo,
+                      std::uint16_t filaFin, std::uint16_t columnaFin) {
+        Bytes formula;
+        formula.u8(0x3B).u16(h).u16(0).u16(filaFin).u16(0).u16(columnaFin);
+        Bytes d;
+        d.u16(opciones).u8(0).u8(1).u16(static_cast<std::uint16_t>(formula.size()));
+        d.u16(0).u16(static_cast<std::uint16_t>(h + 1)).u8(0).u8(0).u8(0).u8(0);
+        d.u8(0).u8(codigo);
+        d.crudo(formula.str());
+        Registro(b, kName, d);
+    };
+    for (std::uint16_t h = 0; h < hojas; ++h)  // _FilterDatabase: hidden
+        nombre(h, 0x0021, 0x0D,
+               static_cast<std::uint16_t>(std::max<std::uint32_t>(filas[h], 1) - 1),
+               static_cast<std::uint16_t>(columnas - 1));
+    for (std::uint16_t h = 0; h < hojas; ++h)  // Print_Titles: the first row
+        nombre(h, 0x0020, 0x07, 0, 0x00FF);
+    return b.str();
+}
+
 std::string NombreHojaValido(const std::string& nombre) {
     std::u16string s = Utf8AUtf16(nombre);
     for (char16_t& c : s)
@@ -226,6 +269,8 @@ int LibroXls::Estilo(const EstiloCelda& estilo) {
 void LibroXls::Columnas(std::vector<ColumnaTabla> columnas) {
     if (columnas.size() > kColumnasPorHoja) columnas.resize(kColumnasPorHoja);
     columnas_ = std::move(columnas);
+    hayTitulos_ = std::any_of(columnas_.begin(), columnas_.end(),
+                              [](const ColumnaTabla& c) { return !c.titulo.empty(); });
     estiloTitulo_ = Estilo(EstiloCelda{"", true, AlineacionCelda::Centro});
 }
 
@@ -247,9 +292,7 @@ void LibroXls::NuevaHoja() {
                              archivo_.string(), std::strerror(errno));
     hojas_.push_back(std::move(hoja));
     ++totalHojas_;
-    bool hayTitulos = std::any_of(columnas_.begin(), columnas_.end(),
-                                  [](const ColumnaTabla& c) { return !c.titulo.empty(); });
-    if (hayTitulos) {
+    if (hayTitulos_) {
         std::vector<CeldaTabla> titulos;
         for (const auto& c : columnas_)
             titulos.push_back(CeldaTabla::Texto(c.titulo, estiloTitulo_));
@@ -279,10 +322,13 @@ void LibroXls::EscribirFila(std::span<const CeldaTabla> celdas) {
             case CeldaTabla::Tipo::Vacia:
                 continue;
             case CeldaTabla::Tipo::Fecha:
+            case CeldaTabla::Tipo::Hora:
+                // Dates and times without a format of their own get the usual one.
                 if (estilos_[estilo].formato.empty()) {
-                    EstiloCelda conFecha = estilos_[estilo];
-                    conFecha.formato = "dd/mm/yyyy";
-                    estilo = Estilo(conFecha);
+                    EstiloCelda conFormato = estilos_[estilo];
+                    conFormato.formato =
+                        celda.tipo == CeldaTabla::Tipo::Fecha ? "dd/mm/yyyy" : "hh:mm:ss";
+                    estilo = Estilo(conFormato);
                 }
                 [[fallthrough]];
             case CeldaTabla::Tipo::Numero:
@@ -395,9 +441,79 @@ std::string LibroXls::Globales(std::vector<std::size_t>& posicionesHoja) const {
         posicionesHoja.push_back(b.size() + 4);
         Registro(b, kBoundsheet, d);
     }
+    if (hayTitulos_) {
+        std::vector<std::uint32_t> filas;
+        for (const auto& hoja : hojas_) filas.push_back(hoja.filas);
+        b.crudo(RegistrosNombres(filas, static_cast<std::uint16_t>(columnas_.size())));
+    }
     b.crudo(RegistrosSst(textos_, totalTextos_, b.size()));
     Eof(b);
     return b.str();
+}
+
+void LibroXls::Anchos(const std::vector<double>& anchos) {
+    for (std::size_t c = 0; c < columnas_.size() && c < anchos.size(); ++c)
+        columnas_[c].ancho = anchos[c];
+}
+
+std::string LibroXls::InicioHoja(const Hoja& hoja) const {
+    using namespace detail;
+    Bytes p;
+    Bof(p, 0x0010);
+    std::vector<double> anchos;
+    for (const auto& c : columnas_) anchos.push_back(std::clamp(c.ancho, 0.0, 255.0));
+    if (hayTitulos_) {
+        // Fitted to the page: one page wide, as many tall as it takes.
+        Registro(p, kWsbool, Bytes{}.u16(0x05C1));
+        auto texto = [](const std::string& s) {
+            Bytes d;
+            if (!s.empty()) Cadena(d, Recortar(Utf8AUtf16(s), 250), false);
+            return d;
+        };
+        std::string titulo;  // "&" starts a code: a literal one is doubled
+        for (char c : impresion_.titulo) titulo += c == '&' ? "&&" : std::string(1, c);
+        Registro(p, kHeader, texto(titulo.empty() ? "" : "&L" + titulo));
+        Registro(p, kFooter, texto("&CPágina &P de &N"));
+        Registro(p, kHcenter, Bytes{}.u16(0));
+        Registro(p, kVcenter, Bytes{}.u16(0));
+        const bool horizontal = HojaHorizontal(anchos, impresion_);
+        Bytes setup;
+        setup.u16(
+            static_cast<std::uint16_t>(CodigoPapel(impresion_.anchoPapel, impresion_.altoPapel)));
+        setup.u16(100).u16(1).u16(1).u16(0);
+        setup.u16(horizontal ? 0x0000 : 0x0002);  // fPortrait
+        setup.u16(600).u16(600).f64(0.5).f64(0.5).u16(1);
+        Registro(p, kSetup, setup);
+    }
+    for (std::size_t c = 0; c < columnas_.size(); ++c) {
+        Bytes d;
+        d.u16(static_cast<std::uint16_t>(c)).u16(static_cast<std::uint16_t>(c));
+        d.u16(static_cast<std::uint16_t>(std::lround(anchos[c] * 256 + 184)));
+        d.u16(kPrimerXfCelda).u16(0).u16(0);
+        Registro(p, kColinfo, d);
+    }
+    if (hayTitulos_ && !columnas_.empty())
+        Registro(p, kAutofilterinfo, Bytes{}.u16(static_cast<std::uint16_t>(columnas_.size())));
+    Registro(p, kDimensions, Bytes{}.u32(0).u32(hoja.filas).u16(0).u16(hoja.columnas).u16(0));
+    return p.str();
+}
+
+std::string LibroXls::FinHoja(bool primera) const {
+    using namespace detail;
+    Bytes s;
+    // Shown grid, headings, zeros, guts; paged; selected when first; title row frozen.
+    std::uint16_t opciones = 0x00B6 | (primera ? 0x0600 : 0);
+    if (hayTitulos_) opciones |= 0x0108;
+    Registro(s, kWindow2,
+             Bytes{}.u16(opciones).u16(0).u16(0).u16(0x40).u16(0).u16(0).u16(0).u16(0).u16(0));
+    if (hayTitulos_) {
+        // Frozen below row 1; the lower pane is active, its cursor on A2.
+        Registro(s, kPane, Bytes{}.u16(0).u16(1).u16(1).u16(0).u8(2).u8(0));
+        Registro(s, kSelection,
+                 Bytes{}.u8(2).u16(1).u16(0).u16(0).u16(1).u16(1).u16(1).u8(0).u8(0));
+    }
+    Eof(s);
+    return s.str();
 }
 
 void LibroXls::Cerrar() {
@@ -412,34 +528,11 @@ void LibroXls::Cerrar() {
     std::uint64_t posicion = globales.size();
     for (std::size_t i = 0; i < hojas_.size(); ++i) {
         const Hoja& hoja = hojas_[i];
-        Bytes p;
-        Bof(p, 0x0010);
-        for (std::size_t c = 0; c < columnas_.size(); ++c) {
-            double ancho = std::clamp(columnas_[c].ancho, 0.0, 255.0);
-            Bytes d;
-            d.u16(static_cast<std::uint16_t>(c)).u16(static_cast<std::uint16_t>(c));
-            d.u16(static_cast<std::uint16_t>(std::lround(ancho * 256 + 184)));
-            d.u16(kPrimerXfCelda).u16(0).u16(0);
-            Registro(p, kColinfo, d);
-        }
-        Registro(p, kDimensions, Bytes{}.u32(0).u32(hoja.filas).u16(0).u16(hoja.columnas).u16(0));
-        Bytes s;
-        Registro(s, kWindow2,
-                 Bytes{}
-                     .u16(i == 0 ? 0x06B6 : 0x00B6)
-                     .u16(0)
-                     .u16(0)
-                     .u16(0x40)
-                     .u16(0)
-                     .u16(0)
-                     .u16(0)
-                     .u16(0)
-                     .u16(0));
-        Eof(s);
+        std::string p = InicioHoja(hoja), s = FinHoja(i == 0);
         globales.parche32(posiciones[i], static_cast<std::uint32_t>(posicion));
         posicion += p.size() + hoja.tamano + s.size();
-        prefijos.push_back(p.str());
-        sufijos.push_back(s.str());
+        prefijos.push_back(std::move(p));
+        sufijos.push_back(std::move(s));
     }
 
     FlujoCfb libro{

@@ -1,7 +1,9 @@
 // Excel 97-2003 workbook (BIFF8 in a compound file). Cells are streamed sheet by sheet
 // to temporary files; the shared string table and the workbook globals are assembled on
 // Cerrar(). A sheet holds at most 65536 rows: the table continues on a new sheet
-// ("Hoja (2)", ...), with the column titles repeated on top.
+// ("Hoja (2)", ...), with the column titles repeated on top. Under titles every sheet keeps
+// them in view (frozen row, repeated on printed pages), filters them and prints on the
+// report's paper fitted to the page width.
 #pragma once
 
 #include <cstdint>
@@ -25,9 +27,11 @@ class LibroXls : public SalidaTabular {
     explicit LibroXls(std::filesystem::path archivo, std::string nombreHoja = "Hoja1");
     ~LibroXls() override;
 
+    void Impresion(const ImpresionHoja& impresion) override { impresion_ = impresion; }
     int Estilo(const EstiloCelda& estilo) override;
     void Columnas(std::vector<ColumnaTabla> columnas) override;
     void Fila(std::span<const CeldaTabla> celdas) override;
+    void Anchos(const std::vector<double>& anchos) override;
     void Cerrar() override;
 
     std::size_t Hojas() const { return totalHojas_; }
@@ -48,11 +52,15 @@ class LibroXls : public SalidaTabular {
     void EscribirFila(std::span<const CeldaTabla> celdas);
     std::uint32_t IndiceTexto(const std::string& texto);
     std::string Globales(std::vector<std::size_t>& posicionesHoja) const;
+    std::string InicioHoja(const Hoja& hoja) const;  // the records before the cells
+    std::string FinHoja(bool primera) const;         // and after them
 
     std::filesystem::path archivo_;
     std::string nombreHoja_;
     std::vector<EstiloCelda> estilos_;
     std::vector<ColumnaTabla> columnas_;
+    ImpresionHoja impresion_;
+    bool hayTitulos_ = false;
     int estiloTitulo_ = -1;
     std::vector<Hoja> hojas_;
     std::unordered_map<std::string, std::uint32_t> indiceTextos_;
@@ -71,6 +79,11 @@ inline constexpr std::size_t kMaxDatosRegistro = 8224;
 // `posicion` within the Workbook stream.
 std::string RegistrosSst(const std::vector<std::u16string>& textos, std::uint32_t total,
                          std::size_t posicion);
+
+// The built-in names that filter a sheet's titled table and repeat its title row on
+// printed pages (Print_Titles), with the references they need (SUPBOOK, EXTERNSHEET).
+// `filas`: rows of each sheet; `columnas`: columns of the table.
+std::string RegistrosNombres(const std::vector<std::uint32_t>& filas, std::uint16_t columnas);
 
 // A sheet name that Excel accepts: no []:*?/\, at most 31 characters, not blank.
 std::string NombreHojaValido(const std::string& nombre);

@@ -218,16 +218,22 @@ void LibroXlsx::Columnas(std::vector<ColumnaTabla> columnas) {
     estiloTitulo_ = Estilo(EstiloCelda{"", true, AlineacionCelda::Centro});
 }
 
-lxw_format* LibroXlsx::Formato(int estilo, bool fecha) {
+lxw_format* LibroXlsx::Formato(int estilo, CeldaTabla::Tipo tipo) {
     if (estilo < 0 || static_cast<std::size_t>(estilo) >= estilos_.size()) estilo = 0;
     const EstiloCelda& e = estilos_[estilo];
-    fecha = fecha && e.formato.empty();
-    if (estilo == 0 && !fecha) return nullptr;
-    auto& cache = fecha ? formatosFecha_ : formatos_;
+    // Dates and times without a format of their own get the usual one.
+    const char* porOmision = !e.formato.empty()                ? nullptr
+                             : tipo == CeldaTabla::Tipo::Fecha ? "dd/mm/yyyy"
+                             : tipo == CeldaTabla::Tipo::Hora  ? "hh:mm:ss"
+                                                               : nullptr;
+    if (estilo == 0 && !porOmision) return nullptr;
+    auto& cache = !porOmision                       ? formatos_
+                  : tipo == CeldaTabla::Tipo::Fecha ? formatosFecha_
+                                                    : formatosHora_;
     if (cache.size() < estilos_.size()) cache.resize(estilos_.size(), nullptr);
     if (cache[estilo] == nullptr) {
         lxw_format* f = workbook_add_format(libro_);
-        std::string formato = fecha ? "dd/mm/yyyy" : detail::Utf8Valido(e.formato);
+        std::string formato = porOmision ? porOmision : detail::Utf8Valido(e.formato);
         if (!formato.empty()) format_set_num_format(f, formato.c_str());
         if (e.negrita) format_set_bold(f);
         switch (e.alineacion) {
@@ -249,21 +255,35 @@ lxw_format* LibroXlsx::Formato(int estilo, bool fecha) {
 }
 
 void LibroXlsx::NuevaHoja() {
+    if (hoja_ != nullptr) filasHoja_.back() = fila_;
     std::string nombre =
-        hojas_ == 0 ? nombreHoja_ : detail::NombreContinuacion(nombreHoja_, hojas_ + 1);
+        hojas_.empty() ? nombreHoja_ : detail::NombreContinuacion(nombreHoja_, hojas_.size() + 1);
     hoja_ = workbook_add_worksheet(libro_, nombre.c_str());
     if (hoja_ == nullptr)
         throw ErrorEscritura("No se pudo agregar la hoja al libro de Excel", archivo_.string(),
                              nombre);
-    ++hojas_;
+    hojas_.push_back(hoja_);
+    filasHoja_.push_back(0);
     filasConDatos_.push_back(0);
     fila_ = 0;
     for (std::size_t c = 0; c < columnas_.size(); ++c)
         worksheet_set_column(hoja_, static_cast<lxw_col_t>(c), static_cast<lxw_col_t>(c),
                              std::clamp(columnas_[c].ancho, 0.0, 255.0), nullptr);
-    bool hayTitulos = std::any_of(columnas_.begin(), columnas_.end(),
-                                  [](const ColumnaTabla& c) { return !c.titulo.empty(); });
-    if (hayTitulos) {
+    hayTitulos_ = std::any_of(columnas_.begin(), columnas_.end(),
+                              [](const ColumnaTabla& c) { return !c.titulo.empty(); });
+    if (hayTitulos_) {
+        worksheet_freeze_panes(hoja_, 1, 0);
+        worksheet_repeat_rows(hoja_, 0, 0);
+        worksheet_fit_to_pages(hoja_, 1, 0);
+        if (int papel = CodigoPapel(impresion_.anchoPapel, impresion_.altoPapel))
+            worksheet_set_paper(hoja_, static_cast<std::uint8_t>(papel));
+        // "&" starts a code in headers and footers: a literal one is doubled.
+        std::string titulo;
+        for (char c : detail::Utf8Valido(impresion_.titulo))
+            titulo += c == '&' ? "&&" : std::string(1, c);
+        if (!titulo.empty() && titulo.size() < 200)
+            worksheet_set_header(hoja_, ("&L" + titulo).c_str());
+        worksheet_set_footer(hoja_, "&CPágina &P de &N");
         std::vector<CeldaTabla> titulos;
         for (const auto& c : columnas_)
             titulos.push_back(CeldaTabla::Texto(c.titulo, estiloTitulo_));
@@ -289,16 +309,16 @@ void LibroXlsx::EscribirFila(std::span<const CeldaTabla> celdas) {
                 continue;
             case CeldaTabla::Tipo::Numero:
             case CeldaTabla::Tipo::Fecha:
+            case CeldaTabla::Tipo::Hora:
                 if (!std::isfinite(celda.numero)) continue;
-                error = worksheet_write_number(
-                    hoja_, fila_, col, celda.numero,
-                    Formato(celda.estilo, celda.tipo == CeldaTabla::Tipo::Fecha));
+                error = worksheet_write_number(hoja_, fila_, col, celda.numero,
+                                               Formato(celda.estilo, celda.tipo));
                 break;
             case CeldaTabla::Tipo::Texto:
                 if (celda.texto.empty()) continue;
                 error = worksheet_write_string(hoja_, fila_, col,
                                                detail::TextoCelda(celda.texto).c_str(),
-                                               Formato(celda.estilo, false));
+                                               Formato(celda.estilo, celda.tipo));
                 break;
         }
         if (error != LXW_NO_ERROR)
@@ -310,9 +330,27 @@ void LibroXlsx::EscribirFila(std::span<const CeldaTabla> celdas) {
     ++fila_;
 }
 
+void LibroXlsx::Anchos(const std::vector<double>& anchos) {
+    for (std::size_t c = 0; c < columnas_.size() && c < anchos.size(); ++c)
+        columnas_[c].ancho = anchos[c];
+}
+
 void LibroXlsx::Cerrar() {
     if (cerrado_) return;
     if (hoja_ == nullptr) NuevaHoja();
+    filasHoja_.back() = fila_;
+    std::vector<double> anchos;
+    for (const auto& c : columnas_) anchos.push_back(std::clamp(c.ancho, 0.0, 255.0));
+    const bool horizontal = HojaHorizontal(anchos, impresion_);
+    for (std::size_t h = 0; h < hojas_.size(); ++h) {
+        for (std::size_t c = 0; c < anchos.size(); ++c)
+            worksheet_set_column(hojas_[h], static_cast<lxw_col_t>(c), static_cast<lxw_col_t>(c),
+                                 anchos[c], nullptr);
+        if (!hayTitulos_ || anchos.empty()) continue;
+        if (horizontal) worksheet_set_landscape(hojas_[h]);
+        worksheet_autofilter(hojas_[h], 0, 0, std::max<std::uint32_t>(filasHoja_[h], 1) - 1,
+                             static_cast<lxw_col_t>(anchos.size() - 1));
+    }
     lxw_error error = workbook_close(libro_);
     libro_ = nullptr;
     cerrado_ = true;

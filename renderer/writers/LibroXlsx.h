@@ -1,7 +1,9 @@
 // Excel 2007+ workbook through libxlsxwriter in constant-memory mode: rows go to disk
 // as they arrive. Cells hold values (numbers, dates as serials with a date format,
 // texts), never formulas: readers show formulas without a cached value as 0. Past
-// 1,048,576 rows the table continues on a new sheet under repeated titles.
+// 1,048,576 rows the table continues on a new sheet under repeated titles. Under titles a
+// sheet keeps them in view (frozen row, repeated on printed pages), filters them and prints
+// on the report's paper fitted to the page width.
 #pragma once
 
 #include <cstdint>
@@ -29,17 +31,19 @@ class LibroXlsx : public SalidaTabular {
     LibroXlsx(const LibroXlsx&) = delete;
     LibroXlsx& operator=(const LibroXlsx&) = delete;
 
+    void Impresion(const ImpresionHoja& impresion) override { impresion_ = impresion; }
     int Estilo(const EstiloCelda& estilo) override;
     void Columnas(std::vector<ColumnaTabla> columnas) override;
     void Fila(std::span<const CeldaTabla> celdas) override;
+    void Anchos(const std::vector<double>& anchos) override;
     void Cerrar() override;
 
-    std::size_t Hojas() const { return hojas_; }
+    std::size_t Hojas() const { return hojas_.size(); }
 
   private:
     void NuevaHoja();
     void EscribirFila(std::span<const CeldaTabla> celdas);
-    lxw_format* Formato(int estilo, bool fecha);
+    lxw_format* Formato(int estilo, CeldaTabla::Tipo tipo);
 
     std::filesystem::path archivo_;
     std::filesystem::path parcial_;
@@ -48,11 +52,15 @@ class LibroXlsx : public SalidaTabular {
     lxw_workbook* libro_ = nullptr;  // owned: closed by Cerrar or the destructor
     lxw_worksheet* hoja_ = nullptr;
     std::uint32_t fila_ = 0;
-    std::size_t hojas_ = 0;
     std::vector<std::uint32_t> filasConDatos_;  // per sheet, to check the finished file
+    std::vector<lxw_worksheet*> hojas_;         // owned by the workbook
+    std::vector<std::uint32_t> filasHoja_;      // rows written on each sheet
+    ImpresionHoja impresion_;
+    bool hayTitulos_ = false;
     std::vector<EstiloCelda> estilos_;
     std::vector<lxw_format*> formatos_;       // per style, created on first use
     std::vector<lxw_format*> formatosFecha_;  // per style, with the default date format
+    std::vector<lxw_format*> formatosHora_;   // per style, with the default time format
     std::vector<ColumnaTabla> columnas_;
     int estiloTitulo_ = -1;
     bool cerrado_ = false;

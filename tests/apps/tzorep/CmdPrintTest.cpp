@@ -161,6 +161,29 @@ TEST_F(CmdPrint, EveryFileTypeReadBack) {
     EXPECT_EQ(TablasDeTrabajo(), 0);
 }
 
+// The CSV holds the report's data: the day of each row's group on the row, the time as a
+// time; with no rows, the titles alone.
+TEST_F(CmdPrint, CsvCarriesTheDayOnEveryRowAndTitlesWithoutRows) {
+    const auto csv = tmp / "bitacora.csv";
+    auto lee = [&csv] {
+        std::ifstream in(csv, std::ios::binary);
+        return std::string{std::istreambuf_iterator<char>(in), {}};
+    };
+    const std::string titulos =
+        "\xEF\xBB\xBF"
+        "Fecha,Hora,Usuario,Acción,Versión,Equipo\r\n";
+    ASSERT_EQ(Imprime({"--to", "file", "--out", csv.string()}).estado, 0);
+    EXPECT_EQ(lee(), titulos +
+                         "2026-10-01,08:00:50,ANA,ENTRADA AL SISTEMA,5.3.004,CAJA-01\r\n"
+                         "2026-10-01,09:15:00,MARIO,FACTURACION FOLIO 12 ALTA TOTAL 150.00,"
+                         "5.3.004,ALMACEN\r\n"
+                         "2026-10-02,11:30:00,ANA,,5.3.004,CAJA-01\r\n"
+                         "2026-10-02,19:00:00,MARIO,SALIDA DEL SISTEMA,5.3.004,ALMACEN\r\n");
+    ASSERT_EQ(Imprime({"--set", "txtDato(0)=NADIE", "--to", "file", "--out", csv.string()}).estado,
+              0);
+    EXPECT_EQ(lee(), titulos);
+}
+
 TEST_F(CmdPrint, FiltersReachTheQueryAndTheRequestLog) {
     const auto bitacora = tmp / "solicitudes.jsonl";
     const auto salida = tmp / "solo-mario.txt";

@@ -234,7 +234,8 @@ struct CasoPieDeGrupo {
 class PieDeGrupoTest : public ::testing::TestWithParam<CasoPieDeGrupo> {};
 
 // The body holds 14 bands of 10 pt from y=30: header + rows + footer either fit, or the
-// footer moves to the next page; it never reaches into the page footer.
+// footer moves to the next page with the group's last row (never alone at the top); it
+// never reaches into the page footer.
 TEST_P(PieDeGrupoTest, ElPieDeGrupoNoInvadeElPieDePagina) {
     const auto& c = GetParam();
     std::string xml = Plantilla10(kDetalle10, Grupo(""));
@@ -251,11 +252,90 @@ TEST_P(PieDeGrupoTest, ElPieDeGrupoNoInvadeElPieDePagina) {
 INSTANTIATE_TEST_SUITE_P(Casos, PieDeGrupoTest,
                          ::testing::Values(CasoPieDeGrupo{"CabeConHueco", 11, 0, 150},
                                            CasoPieDeGrupo{"CabeAlRas", 12, 0, 160},
-                                           CasoPieDeGrupo{"PasaALaSegunda", 13, 1, 30},
+                                           CasoPieDeGrupo{"PasaALaSegundaConSuUltimaFila", 13, 1, 40},
                                            CasoPieDeGrupo{"SegundaConHueco", 25, 1, 150},
                                            CasoPieDeGrupo{"SegundaAlRas", 26, 1, 160},
-                                           CasoPieDeGrupo{"PasaALaTercera", 27, 2, 30}),
+                                           CasoPieDeGrupo{"PasaALaTerceraConSuUltimaFila", 27, 2, 40}),
                          pruebas::PorNombre());
+
+
+TEST(Maquetador, EncabezadoQueSeRepiteEnCadaPagina) {
+    // 30 rows of one group: page 2 opens with the group's heading again, then row 14.
+    auto r = Maqueta(Plantilla10(kDetalle10, Grupo("repetirEncabezado=\"si\"")), Filas(30, 30));
+    ASSERT_EQ(r.paginas.size(), 3u);
+    for (std::size_t i = 1; i < r.paginas.size(); ++i) {
+        const ElementoTexto* g = Busca(r.paginas[i], "G1");
+        ASSERT_NE(g, nullptr) << "página " << i + 1;
+        EXPECT_NEAR(g->y, 30, 0.01);
+        EXPECT_EQ(g->tipoBanda, TipoBanda::EncabezadoGrupo);
+    }
+    EXPECT_NEAR(Busca(r.paginas[1], "fila 14")->y, 40, 0.01);
+    CuerpoSobreElPie(r.paginas);
+    // Without the attribute the heading prints once.
+    r = Maqueta(Plantilla10(kDetalle10, Grupo("")), Filas(30, 30));
+    EXPECT_EQ(Busca(r.paginas[1], "G1"), nullptr);
+}
+
+// The report's data: each record carries its groups' header values; columns are titled by
+// the template, the page heading over them, the label on their left or the field's name.
+TEST(Maquetador, RegistrosDeDatosConLosValoresDeSusGrupos) {
+    const std::string xml = R"(<reporte version="1">
+  <pagina tamano="A4" unidades="pt" margenes="10"/>
+  <grupo campo="t.grupo">
+    <encabezado><texto x="0" y="0" ancho="40">Grupo:</texto><campo ref="t.grupo" x="50" y="0" ancho="60"/></encabezado>
+  </grupo>
+  <grupo campo="t.sub"><encabezado><caja x="0" y="0" ancho="100" alto="5"/></encabezado></grupo>
+  <encabezadoPagina><texto x="0" y="0" ancho="100">Nombre</texto><texto x="150" y="0" ancho="100">Monto</texto></encabezadoPagina>
+  <detalle>
+    <campo ref="t.nombre" x="0" y="0" ancho="100" titulo="Cliente"/>
+    <campo ref="t.grupo" x="110" y="0" ancho="30"/>
+    <texto x="120" y="0" ancho="20">$</texto>
+    <campo ref="t.monto" x="150" y="0" ancho="100" formato="#,##0.00"/>
+    <resumen funcion="cuenta" campo="t.nombre" x="300" y="0" ancho="40"/>
+  </detalle>
+</reporte>)";
+    Plantilla p = LeePlantillaTexto(xml, "datos.rpt");
+    Medidor medidor;
+    Maquetador m(p, medidor, 0);
+    std::vector<std::string> titulos, formatos;
+    for (const auto& c : m.ColumnasDatos()) {
+        titulos.push_back(c.titulo + "/" + std::to_string(c.nivelGrupo));
+        formatos.push_back(c.formato);
+    }
+    EXPECT_EQ(titulos, (std::vector<std::string>{"Grupo/1", "sub/2", "Cliente/0", "Monto/0",
+                                                 "Cuenta de nombre/0"}));
+    EXPECT_EQ(formatos, (std::vector<std::string>{"", "", "", "#,##0.00", "#,##0"}));
+    std::vector<std::vector<Valor>> registros;
+    m.AlRegistro([&](const std::vector<Valor>& v) { registros.push_back(v); });
+    FuentePrueba f({"t.nombre", "t.monto", "t.grupo", "t.sub"},
+                   {{Valor::texto("A"), Valor::numero(10), Valor::texto("G1"), Valor::texto("S1")},
+                    {Valor::texto("B"), Valor::numero(20), Valor::texto("G1"), Valor::texto("S2")},
+                    {Valor::texto("C"), Valor::numero(5), Valor::texto("G2"), Valor::texto("S2")}});
+    ListaPaginas lista;
+    m.Maqueta(f, lista);
+    auto t = [](const char* s) { return Valor::texto(s); };
+    auto n = [](double x) { return Valor::numero(x); };
+    EXPECT_EQ(registros, (std::vector<std::vector<Valor>>{{t("G1"), t("S1"), t("A"), n(10), n(1)},
+                                                          {t("G1"), t("S2"), t("B"), n(20), n(2)},
+                                                          {t("G2"), t("S2"), t("C"), n(5), n(3)}}));
+
+    // A detail that shows nothing: one record per group, from its footer.
+    const std::string resumen = R"(<reporte version="1">
+  <pagina tamano="A4" unidades="pt" margenes="10"/>
+  <grupo campo="t.grupo"><pie><resumen funcion="suma" campo="t.monto" x="150" y="0" ancho="100"/></pie></grupo>
+  <detalle><texto x="0" y="0">·</texto></detalle>
+</reporte>)";
+    Plantilla p2 = LeePlantillaTexto(resumen, "resumen.rpt");
+    Maquetador m2(p2, medidor, 0);
+    ASSERT_EQ(m2.ColumnasDatos().size(), 2u);
+    EXPECT_EQ(m2.ColumnasDatos()[1].titulo, "Suma de monto");
+    registros.clear();
+    m2.AlRegistro([&](const std::vector<Valor>& v) { registros.push_back(v); });
+    FuentePrueba f2(kColumnas, Filas(5, 3));
+    ListaPaginas lista2;
+    m2.Maqueta(f2, lista2);
+    EXPECT_EQ(registros, (std::vector<std::vector<Valor>>{{t("G1"), n(6)}, {t("G2"), n(9)}}));
+}
 
 // Two levels: t.grupo (outer, header only) and t.sub (inner, header and footer).
 std::string DosNiveles(const std::string& atributosInterior) {

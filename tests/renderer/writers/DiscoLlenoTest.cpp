@@ -13,8 +13,8 @@
 #include "Lector.h"
 #include "renderer/writers/ErrorEscritura.h"
 #include "renderer/writers/EscritorRtf.h"
-#include "renderer/writers/EscritorTabla.h"
 #include "renderer/writers/PdfEscritor.h"
+#include "renderer/writers/TablaDatos.h"
 #include "renderer/writers/TxtEscritor.h"
 #include "support/NombresDeCaso.h"
 
@@ -46,7 +46,8 @@ class LimiteDeArchivo {
 
 struct CasoDisco {
     std::string extension;
-    std::function<std::unique_ptr<Escritor>(const std::string&)> crear;
+    std::function<std::unique_ptr<Escritor>(const std::string&)> crear;  // over pages
+    FabricaTabla tabla = nullptr;                                        // or over data
 };
 
 void PrintTo(const CasoDisco& c, std::ostream* os) {
@@ -57,6 +58,16 @@ void PrintTo(const CasoDisco& c, std::ostream* os) {
 // message of the ErrorEscritura it ends in, checking that it names the file.
 std::string EscribeReporteLargo(const CasoDisco& caso, const std::filesystem::path& ruta) {
     try {
+        if (caso.tabla) {
+            TablaDatos t(caso.tabla(ruta.string(), "Lleno"), {{"Cliente", "", 0}, {"Monto", "", 0}},
+                         {});
+            for (int fila = 0; fila < 5000; ++fila)
+                t.Registro({Valor::texto("Cliente número " + std::to_string(fila)),
+                            Valor::numero(fila * 1.5)});
+            t.Termina();
+            ADD_FAILURE() << "se esperaba ErrorEscritura";
+            return "";
+        }
         auto w = caso.crear(ruta.string());
         Documento doc;
         doc.titulo = "Lleno";
@@ -113,21 +124,20 @@ TEST_P(FalloDeEscritura, CarpetaInexistenteDaErrorClaroYNoCreaNada) {
 
 INSTANTIATE_TEST_SUITE_P(
     Escritores, FalloDeEscritura,
-    ::testing::Values(CasoDisco{"pdf",
-                                [](const std::string& ruta) {
-                                    // The fonts of the pages below, registered once.
-                                    static Medidor medidor;
-                                    if (medidor.Registra(Fuente{}) == 0)
-                                        medidor.Registra(Fuente{"DejaVu Sans", 9, true});
-                                    return std::make_unique<PdfEscritor>(ruta, medidor);
-                                }},
-                      CasoDisco{"txt",
-                                [](const std::string& ruta) {
-                                    return std::make_unique<TxtEscritor>(ruta);
-                                }},
-                      CasoDisco{"csv", CreaEscritorCsv}, CasoDisco{"xls", CreaEscritorXls},
-                      CasoDisco{"xlsx", CreaEscritorXlsx}, CasoDisco{"rtf", CreaEscritorRtf},
-                      CasoDisco{"doc", CreaEscritorDoc}),
+    ::testing::Values(
+        CasoDisco{"pdf",
+                  [](const std::string& ruta) {
+                      // The fonts of the pages below, registered once.
+                      static Medidor medidor;
+                      if (medidor.Registra(Fuente{}) == 0)
+                          medidor.Registra(Fuente{"DejaVu Sans", 9, true});
+                      return std::make_unique<PdfEscritor>(ruta, medidor);
+                  }},
+        CasoDisco{"txt",
+                  [](const std::string& ruta) { return std::make_unique<TxtEscritor>(ruta); }},
+        CasoDisco{"csv", nullptr, CreaTablaCsv}, CasoDisco{"xls", nullptr, CreaTablaXls},
+        CasoDisco{"xlsx", nullptr, CreaTablaXlsx}, CasoDisco{"rtf", CreaEscritorRtf},
+        CasoDisco{"doc", CreaEscritorDoc}),
     pruebas::NombrePor(&CasoDisco::extension));
 
 }  // namespace

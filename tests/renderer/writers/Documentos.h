@@ -1,5 +1,5 @@
-// Sample reports in the page model, shared by the writer tests, and the PDF word
-// reader used to check where LibreOffice put the texts.
+// Sample reports in the page model and as data, shared by the writer tests, and the PDF
+// word reader used to check where LibreOffice put the texts.
 #pragma once
 
 #include <cstdio>
@@ -11,11 +11,11 @@
 #include "Lector.h"
 #include "renderer/writers/Escritor.h"
 #include "renderer/writers/SalidaTabular.h"
+#include "renderer/writers/TablaDatos.h"
 
 namespace paratzorep::renderer::prueba {
 
-// A two-page report in the page model: title and column heads in the page header,
-// three detail rows, a group footer total and a page footer.
+// Texts of the page model.
 inline ElementoTexto Texto(TipoBanda tipo, std::uint32_t banda, double x, double y, double ancho,
                            std::string texto, Alineacion al = Alineacion::Izquierda) {
     ElementoTexto e;
@@ -42,45 +42,26 @@ inline ElementoTexto Numero(TipoBanda tipo, std::uint32_t banda, double x, doubl
     return e;
 }
 
-inline void Reporte(Escritor& escritor) {
-    Documento doc;
-    doc.titulo = "Saldos de clientes";
-    doc.fuentes = {Fuente{}, Fuente{"DejaVu Sans", 9, true}};
-    doc.totalPaginas = 2;
-    escritor.Inicia(doc);
-    auto encabezado = [](std::uint32_t banda, std::vector<ElementoTexto>& t) {
-        t.push_back(Texto(TipoBanda::EncabezadoPagina, banda, 40, 30, 500, "Saldos de clientes",
-                          Alineacion::Centro));
-        t.push_back(Texto(TipoBanda::EncabezadoPagina, banda, 40, 60, 60, "Fecha"));
-        t.push_back(Texto(TipoBanda::EncabezadoPagina, banda, 110, 60, 200, "Cliente"));
-        t.push_back(
-            Texto(TipoBanda::EncabezadoPagina, banda, 420, 60, 80, "Saldo", Alineacion::Derecha));
-    };
-    auto detalle = [](std::uint32_t banda, double y, double fecha, std::string cliente,
-                      double saldo, std::string mostrado, std::vector<ElementoTexto>& t) {
-        auto f = Texto(TipoBanda::Detalle, banda, 40, y, 60, "fecha");
-        f.tipo = TipoValor::Fecha;
-        f.numero = fecha;
-        f.formato = "dd/mm/yyyy";
-        t.push_back(f);
-        t.push_back(Texto(TipoBanda::Detalle, banda, 110, y, 200, std::move(cliente)));
-        t.push_back(Numero(TipoBanda::Detalle, banda, 420, y, 80, saldo, std::move(mostrado)));
-    };
-    Pagina p1;
-    encabezado(1, p1.textos);
-    detalle(2, 80, SerieFecha(2024, 1, 2), "Pérez, Juan", 1500.5, "1,500.50", p1.textos);
-    detalle(3, 92, SerieFecha(2024, 1, 3), "Ñúñez", -20, "-20.00", p1.textos);
-    p1.textos.push_back(Texto(TipoBanda::PiePagina, 4, 40, 800, 100, "Página 1 de 2"));
-    escritor.Pagina(p1);
-    Pagina p2;
-    p2.numero = 2;
-    encabezado(5, p2.textos);
-    detalle(6, 80, SerieFecha(2024, 1, 4), "García", 0.25, "0.25", p2.textos);
-    p2.textos.push_back(Texto(TipoBanda::PieGrupo, 7, 300, 100, 100, "Total:"));
-    p2.textos.push_back(Numero(TipoBanda::PieGrupo, 7, 420, 100, 80, 1480.75, "1,480.75"));
-    p2.textos.push_back(Texto(TipoBanda::PiePagina, 8, 40, 800, 100, "Página 2 de 2"));
-    escritor.Pagina(p2);
-    escritor.Termina();
+// The report's data through TablaDatos: a day (group value), a time, a text, an amount and a
+// count whose format carries text; the third record has an empty date and no count.
+inline const std::vector<ColumnaDatos> kColumnasDatos = {{"Fecha", "dd/mmm/yyyy", 1},
+                                                         {"Hora", "", 0},
+                                                         {"Cliente", "", 0},
+                                                         {"Saldo", "#,##0.00", 0},
+                                                         {"Movimientos", "#,##0 movimientos", 0}};
+
+inline void EscribeDatos(std::unique_ptr<SalidaTabular> salida, bool conFilas) {
+    TablaDatos t(std::move(salida), kColumnasDatos, {612, 792, "Saldos & cargos"});
+    if (conFilas) {
+        const Valor dia = Valor::fecha({2024, 1, 2});
+        t.Registro({dia, Valor::hora({8, 0, 50}), Valor::texto("Pérez, Juan"),
+                    Valor::numero(1500.5), Valor::numero(3)});
+        t.Registro({dia, Valor::hora({13, 30, 0}), Valor::texto("Ñúñez"), Valor::numero(-20),
+                    Valor::numero(1)});
+        t.Registro({Valor::fecha({}), Valor::hora({0, 0, 0}), Valor::texto("García"),
+                    Valor::numero(0.25), Valor()});
+    }
+    t.Termina();
 }
 
 // Two A4 pages of 40 rows: date, client (left aligned) and amount (right aligned

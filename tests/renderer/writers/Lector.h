@@ -105,12 +105,16 @@ struct HojaLeida {
     std::string nombre;
     long filas = 0, columnas = 0;
     std::string anchos;
+    // "frozen rows, fit width, fit height, paper, portrait" and "filter, print titles"
+    // (xlsx: ranges; xls: the filter's column count), tab separated.
+    std::string vista, filtro;
     std::map<std::pair<long, long>, CeldaLeida> celdas;
     const CeldaLeida& at(long fila, long columna) const { return celdas.at({fila, columna}); }
 };
 struct LibroLeido {
     std::vector<HojaLeida> hojas;
-    std::string formulas;  // formulas in the sheets' XML (xlsx only)
+    std::vector<std::string> nombres;  // xls: defined names as "name<TAB>sheet<TAB>formula"
+    std::string formulas;              // formulas in the sheets' XML (xlsx only)
 };
 
 // `maximo` limits the cells read per sheet to its first and last `maximo` rows.
@@ -122,12 +126,18 @@ inline LibroLeido LeerLibro(const std::string& modo, const std::filesystem::path
     LibroLeido libro;
     for (const auto& c : Campos(s.texto)) {
         if (c[0] == "HOJA")
-            libro.hojas.push_back({c[1], std::stol(c[2]), std::stol(c[3]), c[4], {}});
+            libro.hojas.push_back({c[1], std::stol(c[2]), std::stol(c[3]), c[4], {}, {}, {}});
         else if (c[0] == "CELDA")
             libro.hojas.back().celdas[{std::stol(c[1]), std::stol(c[2])}] = {c[3], c[4], c[5],
                                                                              c[6] == "1"};
         else if (c[0] == "FORMULAS")
             libro.formulas = c[1];
+        else if (c[0] == "VISTA" || c[0] == "FILTRO") {
+            std::string t;
+            for (std::size_t i = 1; i < c.size(); ++i) t += (i > 1 ? "\t" : "") + c[i];
+            (c[0] == "VISTA" ? libro.hojas.back().vista : libro.hojas.back().filtro) = t;
+        } else if (c[0] == "NOMBRE")
+            libro.nombres.push_back(c[1] + "\t" + c[2] + "\t" + c[3]);
     }
     return libro;
 }

@@ -1,5 +1,6 @@
-// LibreOffice as the second, independent reader: the RTF, the DOC, the XLS and the XLSX
-// of the same reports converted to PDF in one call, and read with pdftotext.
+// LibreOffice as the second, independent reader: the RTF and the DOC of the same report
+// converted to PDF and read with pdftotext; the XLS and the XLSX of the same data converted
+// to CSV (every value as shown) and to PDF (how the sheet prints).
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -8,7 +9,7 @@
 #include "Documentos.h"
 #include "Lector.h"
 #include "renderer/writers/EscritorRtf.h"
-#include "renderer/writers/EscritorTabla.h"
+#include "renderer/writers/TablaDatos.h"
 
 namespace paratzorep::renderer {
 namespace {
@@ -35,16 +36,19 @@ Imagen Pixeles(const std::filesystem::path& pgm) {
     return img;
 }
 
-TEST(LibreOffice, AbreRtfDocXlsYXlsx) {
+// soffice converting files in `carpeta` (its own profile there).
+Salida Convierte(const CarpetaTemporal& carpeta, const std::string& filtro,
+                 const std::string& archivos) {
+    return Ejecutar("cd " + carpeta.ruta().string() + " && HOME=" + carpeta.ruta().string() +
+                    " soffice --headless --convert-to '" + filtro + "' " + archivos + " 2>&1");
+}
+
+TEST(LibreOffice, AbreRtfYDoc) {
     if (!HayPrograma("soffice")) GTEST_SKIP() << "LibreOffice no está instalado";
     CarpetaTemporal carpeta;
     Escribir(*CreaEscritorRtf((carpeta / "rtf.rtf").string()));
     Escribir(*CreaEscritorDoc((carpeta / "doc.doc").string()));
-    Reporte(*CreaEscritorXls((carpeta / "xls.xls").string()));
-    Reporte(*CreaEscritorXlsx((carpeta / "xlsx.xlsx").string()));
-    auto s =
-        Ejecutar("cd " + carpeta.ruta().string() + " && HOME=" + carpeta.ruta().string() +
-                 " soffice --headless --convert-to pdf rtf.rtf doc.doc xls.xls xlsx.xlsx 2>&1");
+    auto s = Convierte(carpeta, "pdf", "rtf.rtf doc.doc");
     ASSERT_EQ(s.estado, 0) << s.texto;
 
     // Documents: same pages, paper and positions as the layout.
@@ -83,16 +87,46 @@ TEST(LibreOffice, AbreRtfDocXlsYXlsx) {
         for (int x : {455, 545}) EXPECT_NEAR(pixeles.at(20, x), 128, 16) << "caja en x=" << x;
         EXPECT_GT(pixeles.at(20, 560), 200);
     }
+}
 
-    // Workbooks: Calc shows the numbers and dates through their formats, so they are
-    // numbers and dates to it, not texts.
+// Workbooks: Calc shows every value through its format (numbers, dates and times are
+// numbers to it, and a format with text keeps its value), and prints the sheet one page
+// wide, the title row on every page.
+TEST(LibreOffice, AbreXlsYXlsxConCadaValor) {
+    if (!HayPrograma("soffice")) GTEST_SKIP() << "LibreOffice no está instalado";
+    CarpetaTemporal carpeta;
+    EscribeDatos(CreaTablaXls((carpeta / "xls.xls").string(), "Saldos"), true);
+    EscribeDatos(CreaTablaXlsx((carpeta / "xlsx.xlsx").string(), "Saldos"), true);
+    auto s = Convierte(carpeta, "csv:Text - txt - csv (StarCalc):44,34,76,1", "xls.xls xlsx.xlsx");
+    ASSERT_EQ(s.estado, 0) << s.texto;
+    for (std::string nombre : {"xls", "xlsx"}) {
+        SCOPED_TRACE(nombre);
+        std::ifstream in(carpeta / (nombre + ".csv"));
+        std::string csv{std::istreambuf_iterator<char>(in), {}};
+        // Calc quotes the text cells.
+        EXPECT_EQ(csv,
+                  "\"Fecha\",\"Hora\",\"Cliente\",\"Saldo\",\"Movimientos\"\n"
+                  "02/01/2024,08:00:50,\"Pérez, Juan\",\"1,500.50\",3 movimientos\n"
+                  "02/01/2024,13:30:00,\"Ñúñez\",-20.00,1 movimientos\n"
+                  ",00:00:00,\"García\",0.25,\n");
+    }
+    // The filter as Calc reads it from the XLS records.
+    s = Convierte(carpeta, "ods", "xls.xls");
+    ASSERT_EQ(s.estado, 0) << s.texto;
+    auto filtro = Ejecutar("unzip -p " + (carpeta / "xls.ods").string() + " content.xml").texto;
+    EXPECT_NE(filtro.find("Saldos.A1:Saldos.E4\" table:display-filter-buttons=\"true\""),
+              std::string::npos)
+        << filtro.substr(0, 2000);
+    s = Convierte(carpeta, "pdf", "xls.xls xlsx.xlsx");
+    ASSERT_EQ(s.estado, 0) << s.texto;
     for (std::string nombre : {"xls", "xlsx"}) {
         SCOPED_TRACE(nombre);
         auto pdf = carpeta / (nombre + ".pdf");
-        ASSERT_TRUE(std::filesystem::exists(pdf)) << s.texto;
+        auto info = Ejecutar("pdfinfo " + pdf.string()).texto;
+        EXPECT_NE(info.find("Pages:           1"), std::string::npos) << info;
+        EXPECT_NE(info.find("612 x 792"), std::string::npos) << info;  // Letter, portrait
         auto texto = Ejecutar("pdftotext -layout " + pdf.string() + " -").texto;
-        for (std::string esperado : {"Fecha", "Cliente", "Saldo", "02/01/2024", "Pérez, Juan",
-                                     "1,500.50", "Ñúñez", "-20.00", "Total:", "1,480.75"})
+        for (std::string esperado : {"Saldos & cargos", "Movimientos", "Página 1 de 1"})
             EXPECT_NE(texto.find(esperado), std::string::npos) << esperado << "\n" << texto;
     }
 }

@@ -1,5 +1,5 @@
-// CSV and XLSX writers, and the page model turned into tables, read back with Python's
-// csv module, openpyxl and xlrd.
+// CSV and XLSX writers, and the report's data as a table, read back with Python's csv module,
+// openpyxl and xlrd.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -10,8 +10,8 @@
 #include "Lector.h"
 #include "renderer/writers/ArchivoCsv.h"
 #include "renderer/writers/ErrorEscritura.h"
-#include "renderer/writers/EscritorTabla.h"
 #include "renderer/writers/LibroXlsx.h"
+#include "renderer/writers/TablaDatos.h"
 #include "support/NombresDeCaso.h"
 
 namespace paratzorep::renderer {
@@ -71,6 +71,7 @@ TEST(FechaCsv, Iso8601) {
         {SerieFecha(2100, 1, 1), "2100-01-01"},
         {0, "1899-12-30"}};
     for (const auto& [serie, texto] : casos) EXPECT_EQ(detail::FechaCsv(serie), texto);
+    EXPECT_EQ(detail::HoraCsv(13.5 / 24), "13:30:00");
 }
 
 TEST(ArchivoCsv, PythonLeeLoMismoQueSeEscribio) {
@@ -157,60 +158,82 @@ TEST_F(LibroXlsxTest, SigueEnOtraHojaAlLlegarAlLimite) {
     EXPECT_EQ(hojas[2].at(1, 0).valor, "6.0");
 }
 
-TEST(EscritorTabla, CsvTieneSoloLosRenglonesDeDetalle) {
-    CarpetaTemporal carpeta;
-    auto ruta = carpeta / "saldos.csv";
-    Reporte(*CreaEscritorCsv(ruta.string()));
-    auto filas = LeerCsv(ruta);
-    ASSERT_EQ(filas.size(), 4u);
-    EXPECT_EQ(filas[0], (std::vector<std::string>{"FILA", "Fecha", "Cliente", "Saldo"}));
-    EXPECT_EQ(filas[1], (std::vector<std::string>{"FILA", "2024-01-02", "Pérez, Juan", "1500.50"}));
-    EXPECT_EQ(filas[3], (std::vector<std::string>{"FILA", "2024-01-04", "García", "0.25"}));
+std::string LeeBytes(const std::filesystem::path& ruta) {
+    std::ifstream in(ruta, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
 }
 
-// The sample report as a workbook: only detail rows and footers, each value with its type
-// and format, the group total under its column in bold, and no page header or footer.
-using Formato = std::pair<std::string, std::string>;  // extension, Python reader module
-class TablaLibro : public ::testing::TestWithParam<Formato> {};
+TEST(TablaDatos, CsvConTiposYTitulosAunSinFilas) {
+    CarpetaTemporal carpeta;
+    const std::string titulos =
+        "\xEF\xBB\xBF"
+        "Fecha,Hora,Cliente,Saldo,Movimientos\r\n";
+    EscribeDatos(CreaTablaCsv((carpeta / "con.csv").string(), ""), true);
+    EXPECT_EQ(LeeBytes(carpeta / "con.csv"), titulos +
+                                                 "2024-01-02,08:00:50,\"Pérez, Juan\",1500.50,3\r\n"
+                                                 "2024-01-02,13:30:00,Ñúñez,-20.00,1\r\n"
+                                                 ",00:00:00,García,0.25,\r\n");
+    EscribeDatos(CreaTablaCsv((carpeta / "sin.csv").string(), ""), false);
+    EXPECT_EQ(LeeBytes(carpeta / "sin.csv"), titulos);
+}
 
-TEST_P(TablaLibro, ConservaTiposYTotalesBajoSuColumna) {
+TEST(FormatoExcel, TextoLiteralEntreComillas) {
+    std::pair<std::string, std::string> casos[] = {
+        {"#,##0.00", "#,##0.00"},
+        {"#,##0 movimientos en el día", "#,##0\" movimientos en el día\""},
+        {"Total: #,##0 movimientos", "\"Total: \"#,##0\" movimientos\""},
+        {"0.0%", "0.0\"%\""},
+        {"", ""},
+        {"di \"hola\" 0", "\"di \"\\\"\"hola\"\\\"\" \"0"},
+    };
+    for (const auto& [formato, excel] : casos) EXPECT_EQ(detail::FormatoExcel(formato), excel);
+}
+
+// The data sheet of both workbook formats: titles in bold, every value with its type, the
+// count's format with its text quoted, the title row frozen, filtered and repeated on every
+// printed page, one page wide on Letter paper; empty when there are no rows but the titles.
+using Formato = std::pair<std::string, std::string>;  // extension, Python reader module
+class HojaDeDatos : public ::testing::TestWithParam<Formato> {};
+
+TEST_P(HojaDeDatos, ValoresConTipoYTitulosFijosConFiltro) {
     const auto& [modo, modulo] = GetParam();
     if (!HayModuloPython(modulo)) GTEST_SKIP() << "python3-" << modulo << " no está instalado";
     CarpetaTemporal carpeta;
     auto ruta = carpeta / ("saldos." + modo);
-    Reporte(*(modo == "xls" ? CreaEscritorXls : CreaEscritorXlsx)(ruta.string()));
-    auto hojas = LeerLibro(modo, ruta).hojas;
-    ASSERT_EQ(hojas.size(), 1u);
-    const auto& h = hojas[0];
-    EXPECT_EQ(h.nombre, "Saldos de clientes");
-    EXPECT_EQ(std::pair(h.filas, h.columnas), std::pair(5L, 3L));
-    EXPECT_EQ(h.at(0, 0).valor, "Fecha");
-    EXPECT_EQ(h.at(0, 2).valor, "Saldo");
+    EscribeDatos((modo == "xls" ? CreaTablaXls : CreaTablaXlsx)(ruta.string(), "Saldos"), true);
+    auto libro = LeerLibro(modo, ruta);
+    ASSERT_EQ(libro.hojas.size(), 1u);
+    const auto& h = libro.hojas[0];
+    EXPECT_EQ(h.nombre, "Saldos");
+    EXPECT_EQ(std::pair(h.filas, h.columnas), std::pair(4L, 5L));
+    EXPECT_EQ(h.at(0, 0), (C{"texto", "Fecha", "General", true}));
     EXPECT_EQ(h.at(1, 0), (C{"fecha", "2024-01-02T00:00:00", "dd/mm/yyyy"}));
-    EXPECT_EQ(h.at(2, 1).valor, "Ñúñez");
-    EXPECT_EQ(h.at(2, 2), (C{"numero", "-20.0", "#,##0.00"}));
-    EXPECT_EQ(h.at(3, 0).tipo, "fecha");
-    EXPECT_EQ(h.at(3, 2), (C{"numero", "0.25", "#,##0.00"}));
-    EXPECT_EQ(h.at(4, 1).valor, "Total:");
-    EXPECT_EQ(h.at(4, 2), (C{"numero", "1480.75", "#,##0.00", true}));
-    for (const auto& [clave, celda] : h.celdas)
-        EXPECT_EQ(celda.valor.find("Página"), std::string::npos);
+    EXPECT_EQ(h.at(1, 1), (C{"hora", "08:00:50", "hh:mm:ss"}));
+    EXPECT_EQ(h.at(2, 2).valor, "Ñúñez");
+    EXPECT_EQ(h.at(2, 3), (C{"numero", "-20.0", "#,##0.00"}));
+    EXPECT_EQ(h.at(1, 4), (C{"numero", "3.0", "#,##0\" movimientos\""}));
+    EXPECT_EQ(h.celdas.count({3, 0}), 0u);  // the empty date
+    EXPECT_EQ(h.celdas.count({3, 4}), 0u);
+    // Frozen row 1; fitted 1 page wide, any number tall; Letter (1); portrait.
+    EXPECT_EQ(h.vista, "1\t1\t0\t1\t1");
+    if (modo == "xlsx") {
+        EXPECT_EQ(h.filtro, "A1:E4\t$1:$1");
+    } else {
+        EXPECT_EQ(h.filtro, "5");
+        // xlrd cuts the title rows' whole width to the sheet's columns.
+        EXPECT_EQ(libro.nombres, (std::vector<std::string>{"_FilterDatabase\t0\tSaldos!R1:4C1:5",
+                                                           "Print_Titles\t0\tSaldos!R1:1C1:5"}));
+    }
+
+    EscribeDatos((modo == "xls" ? CreaTablaXls : CreaTablaXlsx)(ruta.string(), "Saldos"), false);
+    libro = LeerLibro(modo, ruta);
+    EXPECT_EQ(libro.hojas.at(0).filas, 1);
+    EXPECT_EQ(libro.hojas.at(0).at(0, 4).valor, "Movimientos");
 }
 
-INSTANTIATE_TEST_SUITE_P(Formatos, TablaLibro,
+INSTANTIATE_TEST_SUITE_P(Formatos, HojaDeDatos,
                          ::testing::Values(Formato{"xls", "xlrd"}, Formato{"xlsx", "openpyxl"}),
                          pruebas::NombrePor(&Formato::first));
-
-TEST(AgruparColumnas, TextosQueSeTraslapanCompartenColumna) {
-    auto cols = detail::AgruparColumnas({{100, 200}, {10, 50}, {150, 190}, {60, 95}, {120, 300}});
-    ASSERT_EQ(cols.size(), 3u);
-    EXPECT_EQ(cols[0].x0, 10);
-    EXPECT_EQ(cols[2].x0, 100);
-    EXPECT_EQ(cols[2].x1, 300);
-    EXPECT_EQ(detail::ColumnaDe(cols, 51, 53), 0u);
-    EXPECT_EQ(detail::ColumnaDe(cols, 55, 58), 1u);   // nearest when nothing overlaps
-    EXPECT_EQ(detail::ColumnaDe(cols, 80, 400), 2u);  // most overlap wins
-}
 
 }  // namespace
 }  // namespace paratzorep::renderer

@@ -27,11 +27,18 @@ def filas_a_mostrar(n, maximo):
 def xls(ruta, maximo):
     import xlrd
     libro = xlrd.open_workbook(ruta, formatting_info=True)
+    impresion = impresion_xls(ruta, libro)
     print("LIBRO", libro.nsheets, libro.codepage, sep="\t")
     for hoja in libro.sheets():
         anchos = [str(hoja.colinfo_map[c].width) if c in hoja.colinfo_map else "-"
                   for c in range(hoja.ncols)]
         print("HOJA", esc(hoja.name), hoja.nrows, hoja.ncols, ",".join(anchos), sep="\t")
+        # Frozen rows, then the printing records xlrd leaves aside: fit to pages (width,
+        # height), paper, portrait; the filter's column count.
+        pagina = impresion.get(hoja.name, {})
+        print("VISTA", hoja.horz_split_pos if hoja.panes_are_frozen else 0,
+              *pagina.get("setup", ("-", "-", "-", "-")), sep="\t")
+        print("FILTRO", pagina.get("filtro", "-"), sep="\t")
         for r in filas_a_mostrar(hoja.nrows, maximo):
             for c in range(hoja.ncols):
                 celda = hoja.cell(r, c)
@@ -43,11 +50,48 @@ def xls(ruta, maximo):
                 tipo = {xlrd.XL_CELL_NUMBER: "numero", xlrd.XL_CELL_TEXT: "texto",
                         xlrd.XL_CELL_DATE: "fecha"}.get(celda.ctype, str(celda.ctype))
                 valor = celda.value
-                if tipo == "fecha":
+                if tipo == "fecha" and valor < 1:
+                    segundos = round(valor * 86400)
+                    tipo, valor = "hora", "%02d:%02d:%02d" % (
+                        segundos // 3600, segundos // 60 % 60, segundos % 60)
+                elif tipo == "fecha":
                     valor = xlrd.xldate.xldate_as_datetime(valor, libro.datemode).isoformat()
                 elif tipo == "numero":
                     valor = repr(valor)
                 print("CELDA", r, c, tipo, esc(valor), esc(formato), int(bool(negrita)), sep="\t")
+    for nombre in libro.name_obj_list:
+        hoja, fila0, fila1, col0, col1 = nombre.area2d()
+        print("NOMBRE", esc(nombre.name), nombre.scope,
+              "%s!R%d:%dC%d:%d" % (hoja.name, fila0 + 1, fila1, col0 + 1, col1), sep="\t")
+
+
+def impresion_xls(ruta, libro):
+    """Per sheet name: SETUP as (fit width or "-" when WSBOOL does not fit the page, fit
+    height, paper, portrait) and AUTOFILTERINFO's column count, read from the raw records."""
+    import struct
+    from xlrd import compdoc
+    with open(ruta, "rb") as f:
+        flujo = compdoc.CompDoc(f.read(), logfile=sys.stderr).get_named_stream("Workbook")
+    resultado, hoja, ajusta, pos = {}, -1, False, 0
+    while pos + 4 <= len(flujo):
+        tipo, largo = struct.unpack_from("<HH", flujo, pos)
+        datos = flujo[pos + 4:pos + 4 + largo]
+        pos += 4 + largo
+        if tipo == 0x0809 and struct.unpack_from("<H", datos, 2)[0] == 0x0010:
+            hoja += 1
+            ajusta = False
+        elif hoja < 0:
+            continue
+        nombre = libro.sheet_by_index(hoja).name
+        if tipo == 0x0081:
+            ajusta = bool(struct.unpack_from("<H", datos)[0] & 0x0100)
+        elif tipo == 0x00A1:
+            papel, _, _, ancho, alto, opciones = struct.unpack_from("<6H", datos)
+            resultado.setdefault(nombre, {})["setup"] = (
+                ancho if ajusta else "-", alto, papel, int(bool(opciones & 2)))
+        elif tipo == 0x009D:
+            resultado.setdefault(nombre, {})["filtro"] = struct.unpack_from("<H", datos)[0]
+    return resultado
 
 
 def xlsx(ruta, maximo):
@@ -69,6 +113,14 @@ def xlsx(ruta, maximo):
             dim = hoja.column_dimensions.get(letra)
             anchos.append(str(round(dim.width, 2)) if dim is not None and dim.width else "-")
         print("HOJA", esc(hoja.title), nf, nc, ",".join(anchos), sep="\t")
+        congelada = hoja.freeze_panes
+        ajuste = hoja.sheet_properties.pageSetUpPr
+        ancho, alto = hoja.page_setup.fitToWidth, hoja.page_setup.fitToHeight  # None: 1
+        print("VISTA", int(congelada[1:]) - 1 if congelada else 0,
+              (1 if ancho is None else ancho) if ajuste is not None and ajuste.fitToPage else "-",
+              1 if alto is None else alto, hoja.page_setup.paperSize,
+              int(hoja.page_setup.orientation != "landscape"), sep="\t")
+        print("FILTRO", hoja.auto_filter.ref or "-", hoja.print_title_rows or "-", sep="\t")
         for r in filas_a_mostrar(nf, maximo):
             for c in range(nc):
                 celda = hoja.cell(row=r + 1, column=c + 1)
@@ -77,6 +129,8 @@ def xlsx(ruta, maximo):
                     continue
                 if isinstance(v, datetime.datetime):
                     tipo, valor = "fecha", v.isoformat()
+                elif isinstance(v, datetime.time):
+                    tipo, valor = "hora", v.isoformat()
                 elif isinstance(v, (int, float)) and not isinstance(v, bool):
                     tipo, valor = "numero", repr(float(v))
                 elif isinstance(v, str) and v.startswith("="):
