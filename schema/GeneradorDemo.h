@@ -5,7 +5,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <map>
 #include <string>
 #include <string_view>
@@ -21,8 +20,6 @@ struct OpcionesDemo {
     int dias = 0;
     std::string baseEmpresa = "datos1";
     std::string baseGeneral = "generaltanzo";  // empty: the general database is left alone
-    // Receives progress texts during long loads (may be empty).
-    std::function<void(std::string_view)> progreso;
 };
 
 // Rows written per table, keyed "base.tabla".
@@ -34,36 +31,9 @@ inline constexpr std::string_view kFechaFinalDemo = "2026-10-31";
 inline constexpr std::string_view kFechaInicialDemo = "2024-11-01";
 
 // Fills the databases named in the options, which must exist with their schema
-// loaded and be empty. Throws ErrorEsquema when the server refuses a statement
-// and std::invalid_argument for a scale below 1 or above 1000.
+// loaded and be empty. Reports what it generates, the rows written and their rate
+// through the interaction sink's progress. Throws ErrorEsquema when the server
+// refuses a statement and std::invalid_argument for a scale below 1 or above 1000.
 ConteoFilas generarDemo(Conexion& conexion, const OpcionesDemo& opciones);
-
-namespace detail {
-
-// xoshiro256** seeded through splitmix64: the generator's only source of chance.
-class Azar {
-  public:
-    explicit Azar(std::uint64_t semilla);
-    std::uint64_t siguiente();
-    // Uniform integer in [a, b].
-    long long entre(long long a, long long b);
-    // Uniform in [0, 1).
-    double unitario();
-    bool probable(double p) { return unitario() < p; }
-
-  private:
-    std::uint64_t s_[4];
-};
-
-// Days since 1970-01-01 <-> "yyyy-mm-dd".
-int diasDesdeCivil(int anio, int mes, int dia);
-std::string textoFecha(int dias);
-int fechaDeTexto(std::string_view texto);  // throws std::invalid_argument
-
-// Fixed-point texts: cents as "-12.34", thousandths as "1.250".
-std::string textoCentavos(long long centavos);
-std::string textoMilesimas(long long milesimas);
-
-}  // namespace detail
 
 }  // namespace paratzorep::schema

@@ -1,8 +1,6 @@
 // tzorep db demo [--scale N] [--seed S]: (re)creates the demo company "datos1",
 // the general database and the reports work database on the private server,
 // loads the template sources and writes the home's tzorep.ini.
-#include <unistd.h>
-
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
@@ -14,9 +12,11 @@
 #include <tuple>
 #include <vector>
 
+#include "apps/tzorep/Commands.h"
+#include "apps/tzorep/ProgresoTerminal.h"
 #include "data/BaseDDMaria.h"
 #include "data/ServidorPrivado.h"
-#include "apps/tzorep/Commands.h"
+#include "host/Interaccion.h"
 #include "output/Plantillas.h"
 #include "schema/Esquema.h"
 #include "schema/GeneradorDemo.h"
@@ -175,15 +175,9 @@ int cmdDbDemo(const Contexto& ctx, const std::vector<std::string>& args) {
     }
 
     const auto t0 = std::chrono::steady_clock::now();
-    const bool terminal = ::isatty(STDERR_FILENO) != 0;
-    op.progreso = [&](std::string_view texto) {
-        const double s =
-            std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
-        char t[32];
-        std::snprintf(t, sizeof t, "%6.1f s  ", s);
-        std::cerr << (terminal ? "\r\033[K" : "") << t << texto << (terminal ? "" : "\n")
-                  << std::flush;
-    };
+    // Progress on stderr when it is a terminal; nothing otherwise.
+    host::InteraccionTemporal sink(std::make_shared<InteraccionTerminal>());
+    host::Interaccion& ui = host::interaccion();
     try {
         data::ServidorPrivado servidor(ctx.home);
         data::EstadoServidor estado = servidor.estado();
@@ -196,16 +190,16 @@ int cmdDbDemo(const Contexto& ctx, const std::vector<std::string>& args) {
         }
         auto conexion = schema::Conexion::abrir(datos);
         const fs::path esquemas = schema::carpetaEsquemas();
-        op.progreso("Creando las bases de datos");
+        ui.Progreso(0, "Creando las bases de datos");
         schema::recrearBase(conexion, detail::kBaseGeneral, esquemas / "generaltanzo.sql");
         schema::recrearBase(conexion, detail::kBaseReportes, esquemas / "tanzoreportes.sql");
         schema::recrearBase(conexion, detail::kBaseEmpresa, esquemas / "empresa.sql");
         const auto conteos = schema::generarDemo(conexion, op);
-        op.progreso("Cargando las plantillas");
+        ui.Progreso(100, "Cargando las plantillas");
         const int plantillas =
             detail::cargaPlantillas(datos, fs::path(TZ_SOURCE_DIR) / "templates");
         detail::escribeIni(ctx.home, datos);
-        if (terminal) std::cerr << "\r\033[K";
+        ui.Progreso(0, "");
         const double segundos =
             std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
 
@@ -242,12 +236,12 @@ int cmdDbDemo(const Contexto& ctx, const std::vector<std::string>& args) {
         std::cout << fin << "  " << (ctx.home / "tzorep.ini").string() << " escrito\n";
         return 0;
     } catch (const data::ErrorServidor& e) {
-        std::cerr << "\ntzorep: " << e.what() << "\n";
+        ui.Progreso(0, "");
+        std::cerr << "tzorep: " << e.what() << "\n";
         if (!e.registro().empty()) std::cerr << e.registro() << "\n";
-    } catch (const schema::ErrorEsquema& e) {
-        std::cerr << "\ntzorep: no se pudo crear la empresa de demostración: " << e.what() << "\n";
     } catch (const std::exception& e) {
-        std::cerr << "\ntzorep: no se pudo crear la empresa de demostración: " << e.what() << "\n";
+        ui.Progreso(0, "");
+        std::cerr << "tzorep: no se pudo crear la empresa de demostración: " << e.what() << "\n";
     }
     return 1;
 }

@@ -6,7 +6,7 @@
 #include "support/NombresDeCaso.h"
 #include "support/Soporte.h"
 
-namespace paratzorep::schema {
+namespace paratzorep::cli {
 namespace {
 
 struct CasoUso {
@@ -44,4 +44,4 @@ INSTANTIATE_TEST_SUITE_P(
     pruebas::PorNombre());
 
 }  // namespace
-}  // namespace paratzorep::schema
+}  // namespace paratzorep::cli
