@@ -123,7 +123,8 @@ std::string FigurasRtf(const renderer::Pagina& pagina) {
              std::to_string(Twips(std::max(x0, x1))) + "\\shpbottom" +
              std::to_string(Twips(std::max(y0, y1))) +
              "\\shpfhdr0\\shpbxpage\\shpbypage\\shpwr3\\shpwrk0\\shpfblwtxt1\\shpz" +
-             std::to_string(z++) + sp("shapeType", tipo) + propiedades + "}}";
+             std::to_string(z++) + sp("shapeType", tipo) + sp("fBehindDocument", 1) + propiedades +
+             "}}";
     };
     constexpr double kEmuPorPunto = 12700;
     for (const auto& c : pagina.cajas) {
@@ -150,24 +151,49 @@ std::string FigurasRtf(const renderer::Pagina& pagina) {
     return r;
 }
 
-std::vector<std::vector<PiezaRtf>> LineasRtf(std::vector<PiezaRtf> piezas) {
+LineasDePagina LineasRtf(std::vector<PiezaRtf> piezas) {
     std::stable_sort(piezas.begin(), piezas.end(),
                      [](const auto& a, const auto& b) { return a.base < b.base; });
-    std::vector<std::vector<PiezaRtf>> lineas;
-    double base = 0, tamano = 0;
-    for (const auto& p : piezas) {
-        double tolerancia = std::max(1.0, 0.3 * std::min(tamano, p.tamano));
-        if (lineas.empty() || p.base - base > tolerancia) {
-            lineas.emplace_back();
-            base = p.base;
-            tamano = p.tamano;
+    LineasDePagina r;
+    // Pieces whose heights overlap the largest one's gather; a piece takes the height of its
+    // font from its baseline up and a fifth below.
+    std::vector<PiezaRtf> grupo;
+    std::size_t ancla = 0;
+    auto cierra = [&] {
+        if (grupo.empty()) return;
+        const PiezaRtf a = grupo[ancla];
+        std::vector<PiezaRtf> linea{a};
+        for (std::size_t i = 0; i < grupo.size(); ++i) {
+            if (i == ancla) continue;
+            const PiezaRtf& p = grupo[i];
+            // On the line: the same baseline and no piece where it prints; else in a box.
+            const bool base =
+                std::abs(p.base - a.base) <= std::max(1.0, 0.3 * std::min(a.tamano, p.tamano));
+            const bool choca = std::any_of(linea.begin(), linea.end(), [&p](const PiezaRtf& o) {
+                return std::min(o.x1, p.x1) - std::max(o.x0, p.x0) > -1.5;
+            });
+            (base && !choca ? linea : r.sueltas).push_back(p);
         }
-        lineas.back().push_back(p);
+        std::stable_sort(linea.begin(), linea.end(),
+                         [](const auto& x, const auto& y) { return x.x0 < y.x0; });
+        r.lineas.push_back(std::move(linea));
+        grupo.clear();
+    };
+    for (const auto& p : piezas) {
+        if (!grupo.empty()) {
+            const PiezaRtf& a = grupo[ancla];
+            if (p.base - p.tamano < a.base + 0.2 * a.tamano - 0.25 * p.tamano) {
+                grupo.push_back(p);
+                if (p.tamano > a.tamano) ancla = grupo.size() - 1;
+                continue;
+            }
+            cierra();
+        }
+        grupo.push_back(p);
+        ancla = 0;
     }
-    for (auto& l : lineas)
-        std::stable_sort(l.begin(), l.end(),
-                         [](const auto& a, const auto& b) { return a.x0 < b.x0; });
-    return lineas;
+    cierra();
+    return r;
 }
 
 }  // namespace detail
@@ -238,19 +264,59 @@ void EscritorRtf::Pagina(const renderer::Pagina& pagina) {
     std::string& s = buffer_;
     s.clear();
     bool primeraLinea = true;
-    // Lines and boxes are shapes placed on the page, anchored in the page's first paragraph.
+    // A piece as a run of text in its font.
+    auto corrida = [this](const detail::PiezaRtf& p) {
+        const Fuente f =
+            p.fuente < documento_.fuentes.size() ? documento_.fuentes[p.fuente] : Fuente{};
+        int familia = p.fuente < familiaDeFuente_.size() ? familiaDeFuente_[p.fuente] : 0;
+        return "{\\f" + std::to_string(familia) + "\\fs" +
+               std::to_string(std::lround(f.tamano * 2)) + (f.negrita ? "\\b" : "") +
+               (f.cursiva ? "\\i" : "") + (f.subrayada ? "\\ul" : "") + " " +
+               detail::TextoRtf(*p.texto) + "}";
+    };
+    auto disposicion = detail::LineasRtf(std::move(piezas));
+    // Lines and boxes are shapes placed on the page, anchored in the page's first paragraph;
+    // so are the text boxes of the pieces that stand beside a line's height.
     std::string figuras = detail::FigurasRtf(pagina);
+    int z = 1000;
+    for (const auto& p : disposicion.sueltas) {
+        const double ancho = p.x1 - p.x0, holgura = std::max(6.0, 0.3 * ancho);
+        const double x0 = p.alineacion == Alineacion::Derecha  ? p.x1 - ancho - holgura
+                          : p.alineacion == Alineacion::Centro ? p.x0 - holgura / 2
+                                                               : p.x0;
+        const double arriba = p.base - p.tamano, alto = p.tamano * 1.2;
+        auto sp = [](const char* n, long v) {
+            return std::string("{\\sp{\\sn ") + n + "}{\\sv " + std::to_string(v) + "}}";
+        };
+        figuras += "{\\shp{\\*\\shpinst\\shpleft" + std::to_string(detail::Twips(x0)) + "\\shptop" +
+                   std::to_string(detail::Twips(arriba)) + "\\shpright" +
+                   std::to_string(detail::Twips(x0 + ancho + holgura)) + "\\shpbottom" +
+                   std::to_string(detail::Twips(arriba + alto)) +
+                   "\\shpfhdr0\\shpbxpage\\shpbypage\\shpwr3\\shpwrk0\\shpfblwtxt0\\shpz" +
+                   std::to_string(z++) + sp("shapeType", 202) + sp("fFilled", 0) + sp("fLine", 0) +
+                   sp("dxTextLeft", 0) + sp("dyTextTop", 0) + sp("dxTextRight", 0) +
+                   sp("dyTextBottom", 0) + "{\\shptxt\\pard\\plain" +
+                   (p.alineacion == Alineacion::Derecha  ? "\\qr"
+                    : p.alineacion == Alineacion::Centro ? "\\qc"
+                                                         : "\\ql") +
+                   "\\sl-" + std::to_string(detail::Twips(alto)) + "\\slmult0 " + corrida(p) +
+                   "\\par}}}";
+    }
     auto tomarFiguras = [&figuras] { return std::exchange(figuras, std::string()); };
     auto inicioParrafo = [&] {
         s += "\\pard\\plain\\nowidctlpar";
         if (primeraLinea && !primeraPagina_) s += "\\pagebb";
         primeraLinea = false;
     };
-    for (const auto& linea : detail::LineasRtf(std::move(piezas))) {
-        double tamano = 0;
-        for (const auto& p : linea) tamano = std::max(tamano, p.tamano);
+    for (const auto& linea : disposicion.lineas) {
+        // The line's largest text sets its height and baseline.
+        const auto mayor =
+            std::max_element(linea.begin(), linea.end(), [](const auto& a, const auto& b) {
+                return a.tamano != b.tamano ? a.tamano < b.tamano : a.base < b.base;
+            });
+        const double tamano = mayor->tamano;
         const double alto = tamano * 1.2;
-        double arriba = std::max(cursor, linea.front().base - tamano);
+        double arriba = std::max(cursor, mayor->base - tamano);
         long hueco = detail::Twips(arriba - cursor);
         if (primeraLinea && hueco > 0) {
             // Spacing before a paragraph may be dropped at the top of a page: an empty
@@ -277,13 +343,7 @@ void EscritorRtf::Pagina(const renderer::Pagina& pagina) {
                 tabuladores += "\\tx" + std::to_string(std::max(tw, 1L));
                 texto += "\\tab";
             }
-            const Fuente f =
-                p.fuente < documento_.fuentes.size() ? documento_.fuentes[p.fuente] : Fuente{};
-            int familia = p.fuente < familiaDeFuente_.size() ? familiaDeFuente_[p.fuente] : 0;
-            texto += "{\\f" + std::to_string(familia) + "\\fs" +
-                     std::to_string(std::lround(f.tamano * 2)) + (f.negrita ? "\\b" : "") +
-                     (f.cursiva ? "\\i" : "") + (f.subrayada ? "\\ul" : "") + " " +
-                     detail::TextoRtf(*p.texto) + "}";
+            texto += corrida(p);
         }
         s += tabuladores + " " + tomarFiguras() + texto + "\\par\n";
         cursor = arriba + alto;

@@ -1,11 +1,14 @@
 // RTF output of the report's pages. Each page keeps its paper size and margins; the
-// texts are regrouped into visual lines (same baseline), and each line becomes one
-// paragraph with exact height whose pieces sit at tab stops placed where the layout put
-// them (left, right or centre tabs after each text's alignment), so columns stay
-// aligned and the document stays editable. Vertical gaps become spacing before the
-// paragraph; every page after the first starts with a page break. Text outside ASCII is
-// written as \uN escapes with a Windows-1252 fallback. Lines and boxes become shapes
-// positioned on the page behind the text.
+// texts are regrouped into visual lines (texts whose heights overlap and that do not
+// overlap side by side), and each line becomes one paragraph with exact height whose
+// pieces sit at tab stops placed where the layout put them (left, right or centre tabs
+// after each text's alignment), so columns stay aligned and the document stays editable.
+// Vertical gaps become spacing before the paragraph, so the lines stand where the layout
+// put them; a text that would share the height of a line but collides with one of its
+// pieces (a second text in a header block's corner) goes in a text box at its place
+// instead of pushing the lines below it down. Every page after the first starts with a
+// page break. Text outside ASCII is written as \uN escapes with a Windows-1252 fallback.
+// Lines and boxes become shapes positioned on the page behind the text.
 //
 // DOC: the "Word para Windows (*.doc)" type writes the same RTF document under the
 // .doc name. Word and LibreOffice Writer recognise the content and open it as a
@@ -40,9 +43,13 @@ struct PiezaRtf {
 // The page's boxes and lines as RTF shapes positioned on the page, behind the text.
 std::string FigurasRtf(const renderer::Pagina& pagina);
 
-// Pieces that share a baseline (within a fraction of their size), top to bottom, each
-// line left to right.
-std::vector<std::vector<PiezaRtf>> LineasRtf(std::vector<PiezaRtf> piezas);
+// The pieces of a page as paragraphs: lines top to bottom, each left to right; and the
+// pieces that go in text boxes.
+struct LineasDePagina {
+    std::vector<std::vector<PiezaRtf>> lineas;
+    std::vector<PiezaRtf> sueltas;
+};
+LineasDePagina LineasRtf(std::vector<PiezaRtf> piezas);
 }  // namespace detail
 
 class EscritorRtf : public Escritor {

@@ -5,6 +5,7 @@
 
 #include <fstream>
 #include <iterator>
+#include <map>
 
 #include "Documentos.h"
 #include "Lector.h"
@@ -87,6 +88,62 @@ TEST(LibreOffice, AbreRtfYDoc) {
         for (int x : {455, 545}) EXPECT_NEAR(pixeles.at(20, x), 128, 16) << "caja en x=" << x;
         EXPECT_GT(pixeles.at(20, 560), 200);
     }
+}
+
+// A report's header block and a shaded band, as Writer shows them: the user in the title's
+// corner and the print date under it stay where the layout put them (not lines of their own
+// that push the rest down), the rule under the block strikes no text, and the band's text
+// prints above its shading.
+TEST(LibreOffice, RtfComoLaPaginaDelPdf) {
+    if (!HayPrograma("soffice")) GTEST_SKIP() << "LibreOffice no está instalado";
+    CarpetaTemporal carpeta;
+    {
+        auto w = CreaEscritorRtf((carpeta / "hoja.rtf").string());
+        Documento d;
+        d.fuentes = {Fuente{"DejaVu Sans", 8}, Fuente{"DejaVu Sans", 15, true},
+                     Fuente{"DejaVu Sans", 10}};
+        d.margenIzquierdo = d.margenSuperior = d.margenDerecho = d.margenInferior = 36;
+        d.totalPaginas = 1;
+        w->Inicia(d);
+        renderer::Pagina p;
+        auto t = [&p](double x, double y, double ancho, std::string s, Alineacion a, int f,
+                      double base) {
+            auto e = Texto(TipoBanda::EncabezadoReporte, 1, x, y, ancho, std::move(s), a);
+            e.base = base;
+            e.fuente = static_cast<std::uint16_t>(f);
+            p.textos.push_back(std::move(e));
+        };
+        t(36, 36, 300, "Bitacora", Alineacion::Izquierda, 1, 14);
+        t(456, 39, 100, "ANA", Alineacion::Derecha, 0, 7.4);
+        t(456, 50, 100, "23/nov/2026", Alineacion::Derecha, 0, 7.4);
+        t(36, 59, 300, "Movimientos", Alineacion::Izquierda, 2, 9.3);
+        t(36, 73, 300, "Del 1 al 10", Alineacion::Izquierda, 2, 9.3);
+        p.lineas.push_back({36, 93, 556, 93, 2});
+        p.cajas.push_back({36, 110, 520, 16, 0, 0.5});
+        t(42, 113, 100, "DIA", Alineacion::Izquierda, 1, 14);
+        w->Pagina(p);
+        w->Termina();
+    }
+    auto s = Convierte(carpeta, "pdf", "hoja.rtf");
+    ASSERT_EQ(s.estado, 0) << s.texto;
+    std::map<std::string, Palabra> en;
+    for (const auto& w : Palabras(carpeta / "hoja.pdf")) en.emplace(w.texto, w);
+    ASSERT_EQ(en.size(), 9u);  // "Del 1 al 10" is four
+    // Where the layout put each text's top (the word box starts a little above the ink).
+    const std::pair<std::string, double> arriba[] = {
+        {"ANA", 39}, {"23/nov/2026", 50}, {"Movimientos", 59}, {"Del", 73}, {"Bitacora", 36}};
+    for (const auto& [palabra, y] : arriba) EXPECT_NEAR(en.at(palabra).y0, y, 3) << palabra;
+    EXPECT_NEAR(en.at("ANA").x1, 556, 2);
+    EXPECT_LT(en.at("Del").y0 + 12, 93);  // above the rule
+    Ejecutar("pdftoppm -r 72 -gray " + (carpeta / "hoja.pdf").string() + " " +
+             (carpeta / "hoja").string());
+    auto pixeles = Pixeles(carpeta / "hoja-1.pgm");
+    ASSERT_FALSE(pixeles.empty());
+    int tinta = 0;
+    for (int y = 112; y < 126; ++y)
+        for (int x = 42; x < 80; ++x) tinta += pixeles.at(y, x) < 64;
+    EXPECT_GT(tinta, 20) << "el texto de la banda queda bajo el sombreado";
+    EXPECT_NEAR(pixeles.at(118, 300), 128, 16);  // the band itself
 }
 
 // Workbooks: Calc shows every value through its format (numbers, dates and times are

@@ -30,18 +30,35 @@ TEST(TextoRtf, EscapesYUnicode) {
     for (const auto& c : casos) EXPECT_EQ(detail::TextoRtf(c.entrada), c.salida) << c.entrada;
 }
 
-TEST(LineasRtf, AgrupaPorLineaBaseYOrdenaPorX) {
-    std::string a = "a", b = "b", c = "c", d = "d";
-    auto lineas = detail::LineasRtf({{112, 10, 20, Alineacion::Izquierda, 0, 9, &d},
-                                     {100.5, 300, 320, Alineacion::Derecha, 0, 9, &b},
-                                     {100, 10, 50, Alineacion::Izquierda, 0, 9, &a},
-                                     {101, 150, 160, Alineacion::Izquierda, 0, 9, &c}});
-    ASSERT_EQ(lineas.size(), 2u);
-    std::vector<std::string> orden;
-    for (const auto& l : lineas)
-        for (const auto& t : l) orden.push_back(*t.texto);
-    EXPECT_EQ(orden, (std::vector<std::string>{"a", "c", "b", "d"}));
-    EXPECT_EQ(lineas[1].size(), 1u);
+// Lines are the texts on the baseline of the largest one whose height they share, left to
+// right; a text that shares the height but not the baseline, or collides with a piece of the
+// line, goes in a text box.
+TEST(LineasRtf, AgrupaPorAlturaYApartaLoQueChoca) {
+    std::string a = "a", b = "b", c = "c", d = "d", titulo = "Título", usuario = "ANA",
+                fecha = "23/nov/2026", sub = "Movimientos";
+    auto d1 = detail::LineasRtf({{112, 10, 20, Alineacion::Izquierda, 0, 9, &d},
+                                 {100.5, 300, 320, Alineacion::Derecha, 0, 9, &b},
+                                 {100, 10, 50, Alineacion::Izquierda, 0, 9, &a},
+                                 {101, 150, 160, Alineacion::Izquierda, 0, 9, &c}});
+    auto textos = [](const detail::LineasDePagina& l) {
+        std::vector<std::string> r;
+        for (const auto& linea : l.lineas) {
+            std::string t;
+            for (const auto& p : linea) t += (t.empty() ? "" : "|") + *p.texto;
+            r.push_back(t);
+        }
+        for (const auto& p : l.sueltas) r.push_back("caja:" + *p.texto);
+        return r;
+    };
+    EXPECT_EQ(textos(d1), (std::vector<std::string>{"a|c|b", "d"}));
+    // A report's header block: a large title with the user on its right, the print date
+    // under the user, a subtitle below the title.
+    auto d2 = detail::LineasRtf({{14, 0, 150, Alineacion::Izquierda, 1, 15, &titulo},
+                                 {10, 450, 500, Alineacion::Derecha, 0, 8, &usuario},
+                                 {21.6, 440, 500, Alineacion::Derecha, 0, 8, &fecha},
+                                 {32, 0, 120, Alineacion::Izquierda, 0, 10, &sub}});
+    EXPECT_EQ(textos(d2),
+              (std::vector<std::string>{"Título", "Movimientos", "caja:ANA", "caja:23/nov/2026"}));
 }
 
 TEST(EscritorRtf, UnrtfLeeLineasConSusColumnas) {
