@@ -13,6 +13,7 @@
 #include "output/Plantillas.h"
 #include "renderer/TiposArchivo.h"
 #include "renderer/data/Consulta.h"
+#include "renderer/impresion/Impresora.h"
 #include "session/Sesion.h"
 #include "session/Solicitud.h"
 #include "session/SuModulo.h"
@@ -196,9 +197,34 @@ void Ejecuta(const std::string& archivoLocal) {
                     sol.UsuarioImpresion.empty() ? s.UserUsuario : sol.UsuarioImpresion);
     motor.Datos(AbreDatosReporte);
     motor.SalidaPantalla(opcionesEjecucion().salidaPantalla);
+    motor.AnchoPantalla(opcionesEjecucion().anchoPantalla);
+    motor.SeparadorPantalla(opcionesEjecucion().separadorPaginas);
     motor.CarpetaVistaPrevia(opcionesEjecucion().carpetaVistaPrevia);
     motor.Action(1);
     Ultimo() = motor.Resultado();
+}
+
+}  // namespace detail
+
+namespace detail {
+
+std::string GuardaSinImprimir(const std::filesystem::path& pdf) {
+    namespace fs = std::filesystem;
+    std::error_code ec;
+    if (pdf.empty() || !fs::is_regular_file(pdf, ec)) return {};
+    const auto& s = session::sesion();
+    std::string reporte = fs::path(session::solicitud().Plantilla).stem().string();
+    if (s.RutaPDFs.empty() || reporte.empty()) return pdf.string();
+    fs::create_directories(s.RutaPDFs, ec);
+    const fs::path destino = NombrePdf(s.RutaPDFs, reporte, std::time(nullptr));
+    fs::rename(pdf, destino, ec);
+    if (ec) {  // another file system: copy, then remove the temporary one
+        ec.clear();
+        fs::copy_file(pdf, destino, fs::copy_options::overwrite_existing, ec);
+        if (ec) return pdf.string();
+        fs::remove(pdf, ec);
+    }
+    return destino.string();
 }
 
 }  // namespace detail
@@ -226,6 +252,13 @@ void EjecutaReporte(const std::string& archivoLocal) {
         detail::Ejecuta(archivoLocal);
     } catch (const ErrorReporte& e) {
         throw ErrorReporte(limpio(e.what()));
+    } catch (const renderer::ErrorImpresion& e) {
+        // The report was made; only printing failed. Its PDF is kept where the user keeps
+        // PDFs (the temporary one when that folder is not available).
+        std::string guardado = detail::GuardaSinImprimir(e.archivo());
+        throw ErrorReporte(
+            limpio("El reporte se generó pero no se pudo imprimir: " + e.causa() +
+                   (guardado.empty() ? std::string() : " El PDF quedó guardado en: " + guardado)));
     } catch (const std::exception& e) {
         // The original stays nested for hosts that want its context (SQL, server code).
         std::throw_with_nested(

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <ctime>
+#include <filesystem>
 #include <optional>
 #include <ostream>
 #include <stdexcept>
@@ -29,6 +30,8 @@ void EjecutaFormato(const std::string& plantilla, const std::string& tituloVenta
 struct OpcionesEjecucion {
     std::string bitacoraSolicitudes;         // --request-log FILE: one JSON line per request
     std::ostream* salidaPantalla = nullptr;  // destination 0: text pages go here
+    int anchoPantalla = 0;                   // ... fitted to these columns (0: as laid out)
+    std::string separadorPaginas = "\f";     // ... and separated by this
     std::string carpetaVistaPrevia;  // preview PNG pages ("" = a folder under the temp folder)
 };
 OpcionesEjecucion& opcionesEjecucion();
@@ -71,6 +74,10 @@ std::string CadenaConnect(const ServidorReporte& s);
 
 // <carpeta>/<reporte><yyyymmdd-hhnnss>.pdf
 std::string NombrePdf(const std::string& carpeta, const std::string& reporte, std::time_t cuando);
+
+// A PDF that could not be printed, moved into the session's PDF folder under the stamped
+// name; where it now is ("" when it no longer exists).
+std::string GuardaSinImprimir(const std::filesystem::path& pdf);
 
 }  // namespace detail
 

@@ -399,7 +399,8 @@ void Motor::Renderiza() {
 
     if (destino_ == 0) {
         PngEscritor png(carpetaVista, medidor);
-        TxtEscritor txt(salidaPantalla_ ? *salidaPantalla_ : std::cout, "\f");
+        TxtEscritor txt(salidaPantalla_ ? *salidaPantalla_ : std::cout, separadorPantalla_);
+        txt.AjustaA(anchoPantalla_);
         lista.Reproduce(doc, medidor, {&png, &txt});
         for (int i = 1; i <= r.paginas; ++i) resultado_.archivos.push_back(png.ArchivoPagina(i));
     } else if (destino_ == 1) {

@@ -121,6 +121,10 @@ class Motor {
     void CarpetaVistaPrevia(const std::string& carpeta) { carpetaVista_ = carpeta; }
     const std::string& CarpetaVistaPrevia() const { return carpetaVista_; }
     void SalidaPantalla(std::ostream* salida) { salidaPantalla_ = salida; }
+    // The screen's text pages: fitted to `columnas` where the layout allows (0: the report's
+    // own width), separated by `separador` (a form feed by default).
+    void AnchoPantalla(int columnas) { anchoPantalla_ = columnas; }
+    void SeparadorPantalla(std::string separador) { separadorPantalla_ = std::move(separador); }
 
     const ResultadoMotor& Resultado() const { return resultado_; }
 
@@ -149,6 +153,8 @@ class Motor {
     std::map<int, FabricaTabla> fabricasTabla_;
     std::string carpetaVista_;
     std::ostream* salidaPantalla_ = nullptr;
+    int anchoPantalla_ = 0;
+    std::string separadorPantalla_ = "\f";
     ResultadoMotor resultado_;
 };
 

@@ -6,9 +6,11 @@
 #include <filesystem>
 #include <map>
 #include <stdexcept>
+#include <string_view>
 
 #include "host/Menu.h"
 #include "reports/Formas.h"
+#include "reports/Marco.h"
 #include "session/Sesion.h"
 #include "session/SuModulo.h"
 #include "toolkit/DeArchivos.h"
@@ -53,6 +55,17 @@ struct Pareado {
     bool proveedor;
     bool marcador;
 };
+
+// The four paired entries by method.
+const Pareado& PareadoDe(std::string_view metodo) {
+    static const std::map<std::string_view, Pareado> pareados = {
+        {"CargosClientes", {"RepCargosCtes", 73, "C", "a clientes", false, true}},
+        {"CargosProveedores", {"RepCargosProv", 79, "P", "de proveedores", true, false}},
+        {"EdoCtaClientes", {"RepEdoCtaCtes", 75, "C", "clientes", false, false}},
+        {"EdoCtaProveedores", {"RepEdoCtaProv", 81, "P", "proveedores", true, false}},
+    };
+    return pareados.at(metodo);
+}
 
 void MuestraPareado(const std::string& nombre, std::int16_t opcion, const Pareado& p) {
     if (p.marcador) {
@@ -101,13 +114,11 @@ void ReportesAdm::BitacoraUsuarios() {
     detail::MuestraSimple("RepAdmMovUser", 105);
 }
 void ReportesAdm::CargosClientes() {
-    detail::MuestraPareado("RepAdmCargos", 215,
-                           {"RepCargosCtes", 73, "C", "a clientes", false, true});
+    detail::MuestraPareado("RepAdmCargos", 215, detail::PareadoDe("CargosClientes"));
 }
 
 void ReportesAdm::CargosProveedores() {
-    detail::MuestraPareado("RepAdmCargos", 95,
-                           {"RepCargosProv", 79, "P", "de proveedores", true, false});
+    detail::MuestraPareado("RepAdmCargos", 95, detail::PareadoDe("CargosProveedores"));
 }
 
 void ReportesAdm::ChecadorGym() {
@@ -144,16 +155,14 @@ void ReportesAdm::DevolProveedores() {
     detail::MuestraSimple("RepAdmDevProv", 103);
 }
 void ReportesAdm::EdoCtaClientes() {
-    detail::MuestraPareado("RepAdmEdoCta", 217,
-                           {"RepEdoCtaCtes", 75, "C", "clientes", false, false});
+    detail::MuestraPareado("RepAdmEdoCta", 217, detail::PareadoDe("EdoCtaClientes"));
 }
 
 void ReportesAdm::EdoCtaProductos() {
     detail::MuestraSimple("RepAdmEdoCtaProds", 421);
 }
 void ReportesAdm::EdoCtaProveedores() {
-    detail::MuestraPareado("RepAdmEdoCta", 97,
-                           {"RepEdoCtaProv", 81, "P", "proveedores", true, false});
+    detail::MuestraPareado("RepAdmEdoCta", 97, detail::PareadoDe("EdoCtaProveedores"));
 }
 
 void ReportesAdm::Embarques() {
@@ -279,6 +288,17 @@ const std::array<EntradaFachada, 46>& TablaFachada() {
         {46, "VentasCanceladas", "RepAdmVtasCanc", 365, &ReportesAdm::VentasCanceladas},
     }};
     return tabla;
+}
+
+std::string TituloEntrada(const EntradaFachada& e) {
+    const auto forma = CreaForma(e.forma);
+    std::string titulo = forma->Caption;
+    if (dynamic_cast<FormularioPareado*>(forma.get())) titulo += detail::PareadoDe(e.metodo).sufijo;
+    return titulo;
+}
+
+bool EntradaDisponible(const EntradaFachada& e) {
+    return dynamic_cast<FormaReporte*>(CreaForma(e.forma).get()) != nullptr;
 }
 
 std::shared_ptr<Formulario> InstanciaPorOmision(const std::string& forma) {

@@ -74,6 +74,12 @@ struct EntradaFachada {
 // The 46 entry points in interface order.
 const std::array<EntradaFachada, 46>& TablaFachada();
 
+// The report's title as the user sees it: its form's caption, with the customer or supplier
+// wording of the paired entries ("Cargos a clientes").
+std::string TituloEntrada(const EntradaFachada& e);
+// Whether the entry's form is a full report form, one that prints (not the bare form).
+bool EntradaDisponible(const EntradaFachada& e);
+
 // The default instance of a simple form (empty until first use, or after it unloaded).
 std::shared_ptr<Formulario> InstanciaPorOmision(const std::string& forma);
 // Forgets every default instance.

@@ -2,11 +2,45 @@
 
 #include <iostream>
 
+#include "apps/tzorep/Ayuda.h"
 #include "renderer/TiposArchivo.h"
 #include "session/Iniciales.h"
 #include "toolkit/Texto.h"
 
 namespace paratzorep::cli {
+
+std::string TextoJson(const std::string& s) {
+    std::string o = "\"";
+    for (unsigned char c : s) {
+        switch (c) {
+            case '"':
+                o += "\\\"";
+                break;
+            case '\\':
+                o += "\\\\";
+                break;
+            case '\n':
+                o += "\\n";
+                break;
+            case '\r':
+                o += "\\r";
+                break;
+            case '\t':
+                o += "\\t";
+                break;
+            default:
+                if (c < 0x20) {
+                    static const char* hex = "0123456789abcdef";
+                    o += "\\u00";
+                    o += hex[c >> 4];
+                    o += hex[c & 15];
+                } else {
+                    o += static_cast<char>(c);
+                }
+        }
+    }
+    return o + "\"";
+}
 
 const reports::EntradaFachada* BuscaEntrada(const std::string& texto) {
     for (const auto& e : reports::TablaFachada()) {
@@ -73,7 +107,10 @@ Argumentos LeeArgumentos(const std::vector<std::string>& args,
             if (a.entrada) throw ErrorUso("sobra el argumento '" + opcion + "'");
             a.entrada = BuscaEntrada(opcion);
             if (!a.entrada) {
-                throw ErrorUso("no existe el reporte '" + opcion + "' (vea tzorep list)");
+                std::vector<std::string> metodos;
+                for (const auto& e : reports::TablaFachada()) metodos.emplace_back(e.metodo);
+                throw ErrorUso("no existe el reporte '" + opcion + "' (vea tzorep list)." +
+                               QuisoDecir(opcion, metodos));
             }
             continue;
         }

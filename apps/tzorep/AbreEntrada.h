@@ -11,11 +11,11 @@
 #include <utility>
 #include <vector>
 
+#include "apps/tzorep/Arranque.h"
+#include "apps/tzorep/Commands.h"
 #include "host/Formulario.h"
 #include "host/Interaccion.h"
 #include "host/Menu.h"
-#include "apps/tzorep/Arranque.h"
-#include "apps/tzorep/Commands.h"
 #include "reports/ReportesAdm.h"
 
 namespace paratzorep::cli {
@@ -25,6 +25,9 @@ class ErrorUso : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
 };
+
+// A text as a JSON string, quotes included.
+std::string TextoJson(const std::string& s);
 
 // The entry point named by its method ("BitacoraUsuarios", any letter case) or number ("6").
 const reports::EntradaFachada* BuscaEntrada(const std::string& texto);

@@ -1,12 +1,17 @@
 // tzorep print ENTRY [--set C=V]... [--to screen|printer|file] [--type T] [--out PATH]
 //                    [--printer NAME] [--request-log FILE]
 // Opens the entry's form, sets its controls as a user would, chooses the destination (the
-// file destination answers the export dialog with --type and --out) and presses print.
+// file destination answers the export dialog with --type and --out; --out - sends a text
+// type to standard output) and presses print. The screen goes through a pager on a terminal.
 // Exit 0 when the report was produced, 1 when the form reported an error, 2 for a usage error.
+#include <stdlib.h>
+
 #include <filesystem>
+#include <fstream>
 #include <iostream>
 
 #include "apps/tzorep/AbreEntrada.h"
+#include "apps/tzorep/Pantalla.h"
 #include "output/Ejecutor.h"
 #include "renderer/TiposArchivo.h"
 #include "reports/Marco.h"
@@ -47,9 +52,18 @@ OpcionesPrint LeeOpcionesPrint(const Argumentos& a) {
             o.bitacora = valor;
         }
     }
+    // --type and --out say the report goes to a file.
+    if (o.destino.empty() && (!o.tipo.empty() || !o.salida.empty())) o.destino = "file";
     if (o.destino == "file") {
         if (o.salida.empty()) throw ErrorUso("--to file necesita --out RUTA");
-        if (o.tipo.empty()) {
+        if (o.salida == "-") {
+            if (o.tipo.empty()) o.tipo = "txt";
+            if (o.tipo != "txt" && o.tipo != "csv")
+                throw ErrorUso(
+                    "--out - escribe en la salida estándar solo los tipos de texto "
+                    "(txt, csv), no " +
+                    o.tipo);
+        } else if (o.tipo.empty()) {
             // The type follows the name's extension when --type is not given.
             auto t = renderer::TipoPorExtension(o.salida);
             if (!t)
@@ -57,7 +71,7 @@ OpcionesPrint LeeOpcionesPrint(const Argumentos& a) {
             o.tipo = std::string(t->extension.substr(1));
         }
     } else if (!o.tipo.empty() || !o.salida.empty()) {
-        throw ErrorUso("--type y --out van con --to file");
+        throw ErrorUso("--type y --out van con --to file, no con --to " + o.destino);
     }
     if (!o.impresora.empty() && o.destino != "printer") {
         throw ErrorUso("--printer va con --to printer");
@@ -94,8 +108,28 @@ int cmdPrint(const Contexto& ctx, const std::vector<std::string>& args) {
     } catch (const ErrorUso& e) {
         std::cerr << "tzorep: " << e.what() << "\n"
                   << "Uso: tzorep print ENTRADA [--set C=V]... [--to screen|printer|file] "
-                     "[--type T] [--out RUTA] [--printer NOMBRE] [--request-log ARCHIVO]\n";
+                     "[--type T] [--out RUTA] [--printer NOMBRE] [--request-log ARCHIVO]\n"
+                     "Más: tzorep help print\n";
         return 2;
+    }
+    // --out -: the report is written to a private temporary folder, then to standard output.
+    struct Temporal {
+        std::filesystem::path carpeta;
+        ~Temporal() {
+            std::error_code ec;
+            if (!carpeta.empty()) std::filesystem::remove_all(carpeta, ec);
+        }
+    } temporal;
+    const bool aSalida = o.destino == "file" && o.salida == "-";
+    if (aSalida) {
+        std::string plantilla =
+            (std::filesystem::temp_directory_path() / "tzorep-salida-XXXXXX").string();
+        if (!::mkdtemp(plantilla.data())) {
+            std::cerr << "tzorep: no se pudo crear una carpeta temporal para --out -\n";
+            return 1;
+        }
+        temporal.carpeta = plantilla;
+        o.salida = (temporal.carpeta / ("reporte." + o.tipo)).string();
     }
     try {
         auto interaccion = std::make_shared<InteraccionCli>();
@@ -133,8 +167,18 @@ int cmdPrint(const Contexto& ctx, const std::vector<std::string>& args) {
                 return 1;
             }
         }
+        // On a terminal the preview goes through the pager, fitted to its width.
+        std::unique_ptr<Pantalla> pantalla;
+        if (forma->Destino() == 0) pantalla = Pantalla::Abre();
+        if (pantalla) {
+            opciones.salidaPantalla = &pantalla->Flujo();
+            opciones.anchoPantalla = pantalla->Columnas();
+            opciones.separadorPaginas = "\n\n";
+        }
         const int antes = interaccion->mensajes;
-        if (!forma->Imprime()) {
+        const bool hecho = forma->Imprime();
+        pantalla.reset();  // the user leaves the pager before any message below
+        if (!hecho) {
             // The date guard only beeps: say why here.
             if (interaccion->mensajes == antes && !forma->UltimoError().empty()) {
                 std::cerr << forma->Caption << ": " << forma->UltimoError() << "\n";
@@ -144,7 +188,21 @@ int cmdPrint(const Contexto& ctx, const std::vector<std::string>& args) {
         // The screen preview already stopped quietly if its reader went away (`| head`); any
         // other failure of standard output made the print fail above.
         if (forma->Destino() == 0) return 0;
-        if (forma->Destino() == 2) std::cout << forma->ArchivoSalida << "\n";
+        if (forma->Destino() == 2 && aSalida) {
+            // The byte-order mark is for spreadsheets opening a file, not for a pipe.
+            std::ifstream in(forma->ArchivoSalida, std::ios::binary);
+            char marca[3] = {};
+            in.read(marca, 3);
+            if (in.gcount() == 3 && std::string(marca, 3) == "\xEF\xBB\xBF") {
+                if (in.peek() != std::ifstream::traits_type::eof()) std::cout << in.rdbuf();
+            } else {
+                std::cout.write(marca, in.gcount());
+                in.clear();
+                if (in.peek() != std::ifstream::traits_type::eof()) std::cout << in.rdbuf();
+            }
+        } else if (forma->Destino() == 2) {
+            std::cout << forma->ArchivoSalida << "\n";
+        }
     } catch (const std::exception& e) {
         std::cerr << "tzorep: " << e.what() << "\n";
         return 1;

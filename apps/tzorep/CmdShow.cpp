@@ -1,5 +1,7 @@
-// tzorep show ENTRY [--set C=V]... [--json]: the entry's form after loading and the settings,
-// each control with its caption, value, items, enabled and visible; as aligned text or JSON.
+// tzorep show ENTRY [--set C=V]... [--all] [--json]: the entry's form after loading and the
+// settings. As text, the filters a user sets, in the order of the form, with what each takes
+// (every control with --all); as JSON every control, each with its caption, value, items,
+// enabled, visible and whether it is a filter.
 #include <iostream>
 #include <sstream>
 
@@ -37,39 +39,6 @@ const char* NombreTipo(host::TipoControl t) {
     return "otro";
 }
 
-std::string Json(const std::string& s) {
-    std::ostringstream o;
-    o << '"';
-    for (unsigned char c : s) {
-        switch (c) {
-            case '"':
-                o << "\\\"";
-                break;
-            case '\\':
-                o << "\\\\";
-                break;
-            case '\n':
-                o << "\\n";
-                break;
-            case '\r':
-                o << "\\r";
-                break;
-            case '\t':
-                o << "\\t";
-                break;
-            default:
-                if (c < 0x20) {
-                    static const char* hex = "0123456789abcdef";
-                    o << "\\u00" << hex[c >> 4] << hex[c & 15];
-                } else {
-                    o << c;
-                }
-        }
-    }
-    o << '"';
-    return o.str();
-}
-
 bool EsLista(host::TipoControl t) {
     return t == host::TipoControl::Combo || t == host::TipoControl::ComboDatos ||
            t == host::TipoControl::Pestanas;
@@ -79,37 +48,92 @@ bool TieneValor(host::TipoControl t) {
     return t == host::TipoControl::Casilla || t == host::TipoControl::Opcion;
 }
 
+// The controls a user sets to filter the report: date and text boxes, lists, check boxes,
+// options and tabs, visible, outside the destination frame (print's --to chooses it).
+bool EsFiltro(const host::Control& c) {
+    switch (c.Tipo()) {
+        case host::TipoControl::Fecha:
+        case host::TipoControl::Texto:
+        case host::TipoControl::Combo:
+        case host::TipoControl::ComboDatos:
+        case host::TipoControl::Casilla:
+        case host::TipoControl::Opcion:
+        case host::TipoControl::Pestanas:
+            return c.Visible && c.Nombre != "optDispos";
+        default:
+            return false;
+    }
+}
+
+// What a filter takes in --set.
+const char* Admite(host::TipoControl t) {
+    switch (t) {
+        case host::TipoControl::Fecha:
+            return "fecha dd/mm/aaaa";
+        case host::TipoControl::Texto:
+            return "texto";
+        case host::TipoControl::Combo:
+        case host::TipoControl::Pestanas:
+            return "lista: texto o #índice";
+        case host::TipoControl::ComboDatos:
+            return "lista: clave o texto";
+        case host::TipoControl::Casilla:
+            return "casilla: 0 o 1";
+        case host::TipoControl::Opcion:
+            return "opción: 1 la elige";
+        default:
+            return "";
+    }
+}
+
 void MuestraJson(const host::Formulario& f, std::ostream& o) {
-    o << "{\"form\":" << Json(f.Nombre()) << ",\"caption\":" << Json(f.Caption)
+    o << "{\"form\":" << TextoJson(f.Nombre()) << ",\"caption\":" << TextoJson(f.Caption)
       << ",\"controls\":[";
     bool primero = true;
     for (const host::Control* c : f.Controles()) {
-        o << (primero ? "" : ",") << "\n  {\"name\":" << Json(c->NombreCompleto())
-          << ",\"kind\":" << Json(NombreTipo(c->Tipo())) << ",\"caption\":" << Json(c->Caption)
-          << ",\"text\":" << Json(c->Text) << ",\"value\":" << c->Value
-          << ",\"listIndex\":" << c->ListIndex << ",\"boundText\":" << Json(c->BoundText)
-          << ",\"items\":[";
+        o << (primero ? "" : ",") << "\n  {\"name\":" << TextoJson(c->NombreCompleto())
+          << ",\"kind\":" << TextoJson(NombreTipo(c->Tipo()))
+          << ",\"caption\":" << TextoJson(c->Caption) << ",\"text\":" << TextoJson(c->Text)
+          << ",\"value\":" << c->Value << ",\"listIndex\":" << c->ListIndex
+          << ",\"boundText\":" << TextoJson(c->BoundText) << ",\"items\":[";
         for (std::size_t i = 0; i < c->Items.size(); ++i) {
-            o << (i ? "," : "") << Json(c->Items[i]);
+            o << (i ? "," : "") << TextoJson(c->Items[i]);
         }
         o << "],\"enabled\":" << (c->Enabled ? "true" : "false")
-          << ",\"visible\":" << (c->Visible ? "true" : "false") << "}";
+          << ",\"visible\":" << (c->Visible ? "true" : "false")
+          << ",\"filter\":" << (EsFiltro(*c) ? "true" : "false") << "}";
         primero = false;
     }
     o << "\n]}\n";
 }
 
-void MuestraTexto(const host::Formulario& f, std::ostream& o) {
+// One line per control: name, legend, value, list items and state. `todos`: every control;
+// otherwise the filters in the order of the form, a filter without a caption of its own
+// under the label before it, and the captions of the frames that head filters.
+void MuestraTexto(const host::Formulario& f, bool todos, std::ostream& o) {
     o << f.Nombre() << ": " << f.Caption << "\n";
+    const auto controles = f.Controles();
     std::size_t ancho = 0;
-    for (const host::Control* c : f.Controles()) {
-        ancho = std::max(ancho, c->NombreCompleto().size());
+    for (const host::Control* c : controles) {
+        if (todos || EsFiltro(*c)) ancho = std::max(ancho, c->NombreCompleto().size());
     }
-    for (const host::Control* c : f.Controles()) {
+    std::string etiqueta, marco;
+    for (const host::Control* c : controles) {
         const auto tipo = c->Tipo();
+        if (!todos && !EsFiltro(*c)) {
+            if (tipo == host::TipoControl::Etiqueta) etiqueta = c->Caption;
+            if (c->Nombre.rfind("Frame", 0) == 0 && c->Nombre != "Frame2") marco = c->Caption;
+            continue;
+        }
+        if (!todos && !marco.empty()) {
+            o << "  " << marco << "\n";
+            marco.clear();
+        }
+        std::string leyenda = c->Caption.empty() && !todos ? etiqueta : c->Caption;
+        etiqueta.clear();
         std::string linea = "  " + c->NombreCompleto();
         linea.resize(ancho + 4, ' ');
-        if (!c->Caption.empty()) linea += " \"" + c->Caption + "\"";
+        if (!leyenda.empty()) linea += " \"" + leyenda + "\"";
         if (tipo == host::TipoControl::Texto || tipo == host::TipoControl::Fecha || EsLista(tipo)) {
             linea += " = \"" + c->Text + "\"";
         }
@@ -127,8 +151,12 @@ void MuestraTexto(const host::Formulario& f, std::ostream& o) {
         }
         if (!c->Enabled) linea += " deshabilitado";
         if (!c->Visible) linea += " oculto";
+        if (!todos) linea += "  [" + std::string(Admite(tipo)) + "]";
         o << linea << "\n";
     }
+    if (!todos)
+        o << "Se fijan con print --set CONTROL=VALOR; el destino con print --to (por omisión, la "
+             "pantalla).\nTodos los controles de la forma: show --all.\n";
 }
 
 }  // namespace detail
@@ -136,20 +164,25 @@ void MuestraTexto(const host::Formulario& f, std::ostream& o) {
 int cmdShow(const Contexto& ctx, const std::vector<std::string>& args) {
     Argumentos a;
     try {
-        a = LeeArgumentos(args, {}, {"--json"});
+        a = LeeArgumentos(args, {}, {"--json", "--all"});
     } catch (const ErrorUso& e) {
-        std::cerr << "tzorep: " << e.what() << "\n"
-                  << "Uso: tzorep show ENTRADA [--set C=V]... [--json]\n";
+        std::cerr
+            << "tzorep: " << e.what() << "\n"
+            << "Uso: tzorep show ENTRADA [--set C=V]... [--all] [--json] (tzorep help show)\n";
         return 2;
     }
-    const bool json = !a.opciones.empty();
+    bool json = false, todos = false;
+    for (const auto& [opcion, valor] : a.opciones) {
+        json = json || opcion == "--json";
+        todos = todos || opcion == "--all";
+    }
     try {
         auto abierta = AbreEntrada(ctx, a, std::make_shared<InteraccionCli>());
         if (!FijaDesdeLinea(*abierta.forma, a)) return 2;
         if (json) {
             detail::MuestraJson(*abierta.forma, std::cout);
         } else {
-            detail::MuestraTexto(*abierta.forma, std::cout);
+            detail::MuestraTexto(*abierta.forma, todos, std::cout);
         }
     } catch (const std::exception& e) {
         std::cerr << "tzorep: " << e.what() << "\n";

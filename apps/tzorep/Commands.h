@@ -27,5 +27,7 @@ int cmdShow(const Contexto& ctx,
             const std::vector<std::string>& args);  // show ENTRY ... (CmdShow.cpp)
 int cmdPrint(const Contexto& ctx,
              const std::vector<std::string>& args);  // print ENTRY ... (CmdPrint.cpp)
+int cmdPrinters(const Contexto& ctx,
+                const std::vector<std::string>& args);  // printers (CmdPrinters.cpp)
 
 }  // namespace paratzorep::cli

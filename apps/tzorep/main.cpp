@@ -1,33 +1,37 @@
 // tzorep: the command-line host. Parses the global options, resolves the home
 // folder and dispatches to the commands (one source file each).
+#include <algorithm>
 #include <cstdlib>
 #include <exception>
 #include <iostream>
 #include <string>
 #include <vector>
 
-#include "data/ServidorPrivado.h"
+#include "apps/tzorep/Ayuda.h"
 #include "apps/tzorep/Commands.h"
+#include "data/ServidorPrivado.h"
 
 namespace paratzorep::cli {
 namespace detail {
 
-constexpr const char* kUso =
-    "Uso: tzorep [--home CARPETA] <orden>\n"
-    "  db start | db stop | db status      servidor MariaDB privado de la carpeta\n"
-    "  db demo [--scale N] [--seed S]      crea la empresa de demostración\n"
-    "  list                                los 46 reportes\n"
-    "  show ENTRADA [--set C=V]... [--json]\n"
-    "  print ENTRADA [--set C=V]... [--to screen|printer|file] [--type T] [--out RUTA]\n"
-    "        [--printer NOMBRE] [--request-log ARCHIVO]\n"
-    "  templates list | import CARPETA | export CARPETA\n"
-    "Carpeta: --home, TZOREP_HOME o ~/.local/share/tzorep.\n"
-    "Salida: 0 hecho, 1 error, 2 uso incorrecto; db status: 0 en marcha, 3 detenido.\n";
-
 int errorDeUso(const std::string& mensaje) {
-    if (!mensaje.empty()) std::cerr << "tzorep: " << mensaje << "\n";
-    std::cerr << kUso;
+    std::cerr << "tzorep: " << mensaje
+              << "\nUso: tzorep [--home CARPETA] ORDEN [OPCIONES]  (las órdenes y sus opciones: "
+                 "tzorep help)\n";
     return 2;
+}
+
+// tzorep help [ORDEN]
+int cmdHelp(const std::vector<std::string>& args) {
+    if (args.empty()) {
+        std::cout << UsoGeneral();
+    } else if (args.size() > 1) {
+        return errorDeUso("help lleva a lo más una orden");
+    } else if (!AyudaDe(args[0], std::cout)) {
+        return errorDeUso("no hay ayuda de '" + args[0] + "': no es una orden." +
+                          QuisoDecir(args[0], Ordenes()));
+    }
+    return std::cout.flush() ? 0 : 1;
 }
 
 int principal(int argc, char** argv) {
@@ -38,7 +42,10 @@ int principal(int argc, char** argv) {
     for (; i < args.size() && args[i].rfind("-", 0) == 0; ++i) {
         const std::string& a = args[i];
         if (a == "-h" || a == "--help") {
-            std::cout << kUso;
+            std::cout << UsoGeneral();
+            return 0;
+        } else if (a == "-V" || a == "--version") {
+            std::cout << Version() << "\n";
             return 0;
         } else if (a == "--home") {
             if (i + 1 >= args.size()) return errorDeUso("falta la carpeta después de --home");
@@ -46,11 +53,15 @@ int principal(int argc, char** argv) {
         } else if (a.rfind("--home=", 0) == 0) {
             home = a.substr(7);
         } else {
-            return errorDeUso("opción desconocida: " + a);
+            return errorDeUso("opción desconocida: " + a + "." +
+                              QuisoDecir(a, {"--home", "--help", "--version"}));
         }
         if (home.empty()) return errorDeUso("la carpeta de --home está vacía");
     }
-    if (i >= args.size()) return errorDeUso("falta la orden");
+    if (i >= args.size()) {
+        std::cerr << UsoGeneral();
+        return 2;
+    }
 
     if (home.empty()) {
         const char* env = std::getenv("TZOREP_HOME");
@@ -64,6 +75,14 @@ int principal(int argc, char** argv) {
 
     const std::string orden = args[i];
     std::vector<std::string> resto(args.begin() + static_cast<std::ptrdiff_t>(i) + 1, args.end());
+    if (orden == "help") return cmdHelp(resto);
+    const auto& ordenes = Ordenes();
+    if (std::find(ordenes.begin(), ordenes.end(), orden) == ordenes.end())
+        return errorDeUso("orden desconocida: '" + orden + "'." + QuisoDecir(orden, ordenes));
+    if (PideAyuda(resto)) {
+        AyudaDe(orden, std::cout);
+        return std::cout.flush() ? 0 : 1;
+    }
     if (orden == "db") {
         if (!resto.empty() && resto[0] == "demo") {
             return cmdDbDemo(ctx, std::vector<std::string>(resto.begin() + 1, resto.end()));
@@ -74,7 +93,7 @@ int principal(int argc, char** argv) {
     if (orden == "show") return cmdShow(ctx, resto);
     if (orden == "print") return cmdPrint(ctx, resto);
     if (orden == "templates") return cmdTemplates(ctx, resto);
-    return errorDeUso("orden desconocida: " + orden);
+    return cmdPrinters(ctx, resto);
 }
 
 }  // namespace detail

@@ -56,6 +56,15 @@ std::string Guardado(const std::filesystem::path& archivo) {
 }  // namespace
 }  // namespace detail
 
+std::string ErrorImpresion::causa() const {
+    std::string texto = what();
+    const std::string guardado = detail::Guardado(archivo_);
+    if (texto.size() >= guardado.size() &&
+        texto.compare(texto.size() - guardado.size(), guardado.size(), guardado) == 0)
+        texto.resize(texto.size() - guardado.size());
+    return texto;
+}
+
 int Imprimir(const TrabajoImpresion& trabajo) {
     using Motivo = ErrorImpresion::Motivo;
     std::error_code ec;
@@ -125,22 +134,34 @@ void ImprimirEnCups(const std::string& pdf, const std::string& impresora, int co
     Imprimir(trabajo);
 }
 
-std::vector<std::string> Impresoras(const std::string& servidor) {
+std::optional<std::vector<DestinoImpresion>> DestinosImpresion(const std::string& servidor) {
     detail::ServidorCups s(servidor);
     detail::Conexion http = detail::Conectar();
-    std::vector<std::string> nombres;
-    if (!http) return nombres;
+    if (!http) return std::nullopt;
+    std::vector<DestinoImpresion> r;
     cups_dest_t* destinos = nullptr;
     int n = cupsGetDests2(http.get(), &destinos);
     for (int i = 0; i < n; ++i) {
-        std::string nombre = destinos[i].name;
-        if (destinos[i].instance) nombre += std::string("/") + destinos[i].instance;
-        if (destinos[i].is_default)
-            nombres.insert(nombres.begin(), nombre);
+        const cups_dest_t& d = destinos[i];
+        DestinoImpresion x;
+        x.nombre = d.name;
+        if (d.instance) x.nombre += std::string("/") + d.instance;
+        x.predeterminada = d.is_default != 0;
+        if (const char* info = cupsGetOption("printer-info", d.num_options, d.options))
+            x.descripcion = info;
+        if (x.predeterminada)
+            r.insert(r.begin(), std::move(x));
         else
-            nombres.push_back(nombre);
+            r.push_back(std::move(x));
     }
     cupsFreeDests(n, destinos);
+    return r;
+}
+
+std::vector<std::string> Impresoras(const std::string& servidor) {
+    std::vector<std::string> nombres;
+    if (auto destinos = DestinosImpresion(servidor))
+        for (const auto& d : *destinos) nombres.push_back(d.nombre);
     return nombres;
 }
 

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -36,6 +37,8 @@ class ErrorImpresion : public std::runtime_error {
     Motivo motivo() const { return motivo_; }
     // Where the unprinted report was kept.
     const std::filesystem::path& archivo() const { return archivo_; }
+    // Why it was not printed: the message without where the report was kept.
+    std::string causa() const;
 
   private:
     Motivo motivo_;
@@ -52,5 +55,14 @@ void ImprimirEnCups(const std::string& pdf, const std::string& impresora, int co
 
 // The queues the server offers (empty when there is no server). The default queue first.
 std::vector<std::string> Impresoras(const std::string& servidor = {});
+
+// A queue with what the server says of it.
+struct DestinoImpresion {
+    std::string nombre;  // "nombre" or "nombre/instancia"
+    bool predeterminada = false;
+    std::string descripcion;  // the queue's printer-info, "" when it has none
+};
+// The queues, the default first; nullopt when no print server answers.
+std::optional<std::vector<DestinoImpresion>> DestinosImpresion(const std::string& servidor = {});
 
 }  // namespace paratzorep::renderer

@@ -69,6 +69,35 @@ void TxtEscritor::Inicia(const Documento& documento) {
 }
 
 std::vector<std::string> TxtEscritor::Rejilla(const renderer::Pagina& pagina) const {
+    return Rejilla(pagina, anchoColumna_, nullptr);
+}
+
+double TxtEscritor::AnchoParaPagina(const renderer::Pagina& pagina) {
+    const double util = doc_.anchoPagina - doc_.margenIzquierdo - doc_.margenDerecho;
+    if (columnasMaximas_ <= 0 || util <= 0 || util / anchoColumna_ <= columnasMaximas_)
+        return anchoColumna_;
+    const double ajustado = util / columnasMaximas_;
+    int referencia = 0;
+    Rejilla(pagina, anchoColumna_, &referencia);
+    auto sirve = [&](double ancho) {
+        int danos = 0;
+        Rejilla(pagina, ancho, &danos);
+        return danos <= referencia;
+    };
+    // The widest column (narrowest grid) that still serves, between the fitted width (or the
+    // width an earlier page settled on) and the report's own.
+    double malo = anchoAjustado_ > 0 ? anchoAjustado_ : ajustado;
+    if (sirve(malo)) return anchoAjustado_ = malo;
+    double bueno = anchoColumna_;
+    for (int i = 0; i < 8; ++i) {
+        const double medio = (malo + bueno) / 2;
+        (sirve(medio) ? bueno : malo) = medio;
+    }
+    return anchoAjustado_ = bueno;
+}
+
+std::vector<std::string> TxtEscritor::Rejilla(const renderer::Pagina& pagina,
+                                              const double anchoColumna, int* danos) const {
     std::vector<Pieza> piezas;
     for (const auto& t : pagina.textos) {
         double base = t.y + t.base;
@@ -80,7 +109,7 @@ std::vector<std::string> TxtEscritor::Rejilla(const renderer::Pagina& pagina) co
         }
     }
     for (const auto& l : pagina.lineas)
-        if (std::abs(l.y1 - l.y2) < 0.5 && std::abs(l.x2 - l.x1) > anchoColumna_)
+        if (std::abs(l.y1 - l.y2) < 0.5 && std::abs(l.x2 - l.x1) > anchoColumna)
             piezas.push_back({l.y1 + altoRenglon_ * 0.5,
                               std::min(l.x1, l.x2),
                               std::abs(l.x2 - l.x1),
@@ -111,9 +140,11 @@ std::vector<std::string> TxtEscritor::Rejilla(const renderer::Pagina& pagina) co
         anterior = b;
     }
     std::vector<std::u32string> rejilla(actual + 1);
+    // Which piece wrote each cell (-1 blank or a rule), to find texts that touch.
+    std::vector<std::vector<int>> duenos(danos ? rejilla.size() : 0);
     auto columna = [&](double x) {
         return std::max(0,
-                        static_cast<int>(std::lround((x - doc_.margenIzquierdo) / anchoColumna_)));
+                        static_cast<int>(std::lround((x - doc_.margenIzquierdo) / anchoColumna)));
     };
     // Right-aligned texts (numbers) first: they own their cells; other texts fill around.
     std::vector<std::size_t> orden(piezas.size());
@@ -141,15 +172,24 @@ std::vector<std::string> TxtEscritor::Rejilla(const renderer::Pagina& pagina) co
                 inicio = columna(p.x);
         }
         if (r.size() < static_cast<std::size_t>(inicio + n)) r.resize(inicio + n, U' ');
+        std::vector<int>* dueno = danos ? &duenos[static_cast<std::size_t>(fila[idx])] : nullptr;
+        if (dueno && dueno->size() < r.size()) dueno->resize(r.size(), -1);
         for (int k = 0; k < n; ++k) {
             char32_t& celda = r[static_cast<std::size_t>(inicio + k)];
             if (celda != U' ') {
                 if (p.regla) continue;
+                if (danos) *danos += n - k;
                 break;  // never write over a text already placed
             }
             celda = p.regla ? U'-' : p.texto[static_cast<std::size_t>(k)];
+            if (dueno && !p.regla)
+                (*dueno)[static_cast<std::size_t>(inicio + k)] = static_cast<int>(idx);
         }
     }
+    if (danos)
+        for (const auto& d : duenos)
+            for (std::size_t i = 0; i + 1 < d.size(); ++i)
+                if (d[i] >= 0 && d[i + 1] >= 0 && d[i] != d[i + 1]) ++*danos;
     std::vector<std::string> lineas;
     lineas.reserve(rejilla.size());
     for (auto& r : rejilla) {
@@ -166,7 +206,7 @@ void TxtEscritor::Pagina(const renderer::Pagina& pagina) {
     errno = 0;
     if (!primera_) *salida_ << separador_;
     primera_ = false;
-    for (const auto& l : Rejilla(pagina)) *salida_ << l << '\n';
+    for (const auto& l : Rejilla(pagina, AnchoParaPagina(pagina), nullptr)) *salida_ << l << '\n';
     if (!*salida_) {
         if (LectorSeFue()) return;
         throw ErrorEscritura("No se pudo escribir el archivo de texto", archivo_,

@@ -92,10 +92,23 @@ class CmdPrint : public ::testing::Test {
 TEST_F(CmdPrint, ShowListsTheFormAfterLoading) {
     auto r = Tzorep({"show", "BitacoraUsuarios"});
     ASSERT_EQ(r.estado, 0) << r.errores;
-    EXPECT_TRUE(Contiene(r.salida, "RepAdmMovUser: Bitácora de usuarios")) << r.salida;
-    // The default dates come from the first and last rows of the log.
-    EXPECT_TRUE(Contiene(r.salida, "mkeFecha(0)         = \"15/09/2026\"")) << r.salida;
-    EXPECT_TRUE(Contiene(r.salida, "mkeFecha(1)         = \"02/10/2026\"")) << r.salida;
+    // The filters in the order of the form, each under its label, with what it takes; the
+    // default dates come from the first and last rows of the log.
+    EXPECT_EQ(r.salida.substr(0, r.salida.find("  txtDato")),
+              "RepAdmMovUser: Bitácora de usuarios\n"
+              "  mkeFecha(0)     \"Del día:\" = \"15/09/2026\"  [fecha dd/mm/aaaa]\n"
+              "  mkeFecha(1)     \"Al día:\" = \"02/10/2026\"  [fecha dd/mm/aaaa]\n");
+    EXPECT_TRUE(Contiene(r.salida,
+                         "  Tipos de acción (ninguno: todos)\n"
+                         "  chkAccion(0)    \"Altas\" = 0  [casilla: 0 o 1]\n"))
+        << r.salida;
+    for (const std::string adorno :
+         {"imgPant", "pctFondoUniversal", "Frame2", "optDispos", "cmdImprimir", "lblFecha"})
+        EXPECT_FALSE(Contiene(r.salida, adorno)) << adorno << "\n" << r.salida;
+    r = Tzorep({"show", "BitacoraUsuarios", "--all"});
+    for (const std::string control :
+         {"imgPant", "pctFondoUniversal", "Frame2", "optDispos(2)", "lblFecha(0)", "mkeFecha(0)"})
+        EXPECT_TRUE(Contiene(r.salida, control)) << control << "\n" << r.salida;
 
     r = Tzorep({"show", "6", "--set", "optDispos(1)=1", "--json"});
     ASSERT_EQ(r.estado, 0) << r.errores;
@@ -104,6 +117,47 @@ TEST_F(CmdPrint, ShowListsTheFormAfterLoading) {
                          "{\"name\":\"optDispos(1)\",\"kind\":\"opcion\","
                          "\"caption\":\"Im&presora\",\"text\":\"\",\"value\":1"))
         << r.salida;
+    EXPECT_TRUE(Contiene(r.salida, "\"visible\":true,\"filter\":false}")) << r.salida;
+    EXPECT_TRUE(Contiene(r.salida, "{\"name\":\"chkAccion(0)\"")) << r.salida;
+}
+
+// --out - sends a text type to standard output (CSV without the byte-order mark that is
+// there for spreadsheets), and --out alone means a file.
+TEST_F(CmdPrint, OutDashWritesToStandardOutput) {
+    auto r = Imprime({"--set", "txtDato(0)=MARIO", "--type", "csv", "--out", "-"});
+    ASSERT_EQ(r.estado, 0) << r.errores;
+    EXPECT_EQ(r.salida,
+              "Fecha,Hora,Usuario,Acción,Versión,Equipo\r\n"
+              "2026-10-01,09:15:00,MARIO,FACTURACION FOLIO 12 ALTA TOTAL 150.00,5.3.004,"
+              "ALMACEN\r\n"
+              "2026-10-02,19:00:00,MARIO,SALIDA DEL SISTEMA,5.3.004,ALMACEN\r\n");
+    r = Imprime({"--to", "file", "--out", "-"});
+    ASSERT_EQ(r.estado, 0) << r.errores;
+    EXPECT_TRUE(Contiene(r.salida, "Página 1 de 1")) << r.salida;  // txt by default
+    r = Imprime({"--type", "pdf", "--out", "-"});
+    EXPECT_EQ(r.estado, 2);
+    EXPECT_TRUE(Contiene(r.errores, "solo los tipos de texto (txt, csv)")) << r.errores;
+    EXPECT_TRUE(r.salida.empty());
+    EXPECT_EQ(TablasDeTrabajo(), 0);
+}
+
+// A report that was made but could not be printed says so, and where its PDF was kept.
+TEST_F(CmdPrint, PrintingFailureKeepsThePdf) {
+    auto r = pruebas::ejecutarTzorep(
+        {"--home", tmp.ruta().string(), "print", "6", "--to", "printer", "--printer", "oficina"},
+        {{"CUPS_SERVER", "127.0.0.1:9"}});
+    EXPECT_EQ(r.estado, 1);
+    EXPECT_TRUE(Contiene(r.errores,
+                         "Bitácora de usuarios: El reporte se generó pero no se pudo "
+                         "imprimir: No se pudo conectar con el servidor de impresión"))
+        << r.errores;
+    const std::string guardado = "El PDF quedó guardado en: " + (tmp / "pdfs/bitacoraus").string();
+    ASSERT_TRUE(Contiene(r.errores, guardado)) << r.errores;
+    const auto ruta = r.errores.substr(r.errores.find(guardado) + guardado.size() -
+                                       (tmp / "pdfs/bitacoraus").string().size());
+    EXPECT_TRUE(std::filesystem::exists(ruta.substr(0, ruta.find('\n')))) << ruta;
+    EXPECT_FALSE(Contiene(r.errores, "No se pudo generar")) << r.errores;
+    EXPECT_EQ(TablasDeTrabajo(), 0);
 }
 
 // Every file type, read back by a reader that shares no code with the writers. Each must hold

@@ -150,5 +150,43 @@ TEST(TxtEscritor, LectorQueSeVaTerminaLaVistaSinError) {
         ErrorEscritura);
 }
 
+// For a terminal: narrower columns as far as every text still prints whole and apart. The
+// page is 106 columns as laid out (575 pt of 5.4 pt).
+TEST(TxtEscritor, SeAjustaAlAnchoDeLaTerminalSiLasColumnasCaben) {
+    auto escribe = [](const std::vector<ElementoTexto>& textos, int columnas) {
+        std::ostringstream salida;
+        TxtEscritor escritor(salida, "\n");
+        escritor.AjustaA(columnas);
+        escritor.Inicia(Doc());
+        Pagina p;
+        p.textos = textos;
+        escritor.Pagina(p);
+        escritor.Termina();
+        return salida.str();
+    };
+    auto ancho = [](const std::string& texto) {
+        std::size_t mayor = 0;
+        std::istringstream in(texto);
+        for (std::string l; std::getline(in, l);) mayor = std::max(mayor, l.size());
+        return mayor;
+    };
+    const std::vector<ElementoTexto> holgada = {
+        Texto(10, 20, 50, "Clave"), Texto(100, 20, 200, "Juan Perez"),
+        Texto(400, 20, 100, "1,234.50", Alineacion::Derecha, TipoValor::Numero)};
+    const std::string ajustada = escribe(holgada, 60);
+    EXPECT_LE(ancho(ajustada), 60u) << ajustada;
+    EXPECT_NE(ajustada.find("Clave    Juan Perez"), std::string::npos) << ajustada;
+    EXPECT_NE(ajustada.find("1,234.50"), std::string::npos) << ajustada;
+    EXPECT_EQ(escribe(holgada, 0), escribe(holgada, 200));  // wide enough: as laid out
+    // A text as wide as its box would run into the next one at 60 columns: the grid stays
+    // as wide as it takes to keep both apart.
+    const std::vector<ElementoTexto> justa = {Texto(10, 20, 108, "ABCDEFGHIJKLMNOPQRST"),
+                                              Texto(122, 20, 50, "X"), Texto(500, 20, 75, "fin")};
+    const std::string apretada = escribe(justa, 60);
+    EXPECT_NE(apretada.find("ABCDEFGHIJKLMNOPQRST X"), std::string::npos) << apretada;
+    EXPECT_NE(apretada.find("fin"), std::string::npos) << apretada;
+    EXPECT_LT(ancho(apretada), 106u) << apretada;
+}
+
 }  // namespace
 }  // namespace paratzorep::renderer
