@@ -4,6 +4,8 @@
 
 #include <cstring>
 
+#include "data/MensajesCliente.h"
+
 namespace paratzorep::data {
 
 namespace detail {
@@ -77,7 +79,8 @@ ConexionMaria::ConexionMaria(DatosConexion datos) : datos_(std::move(datos)) {
                            CLIENT_FOUND_ROWS) == nullptr) {
         host::ErrorDatos e("Conectar al servidor '" + datos_.servidor + "' puerto " +
                                std::to_string(datos_.puerto) + " base '" + datos_.base + "'",
-                           "", static_cast<int>(mysql_errno(mysql_)), mysql_error(mysql_));
+                           "", static_cast<int>(mysql_errno(mysql_)),
+                           MensajeMaria(mysql_errno(mysql_), mysql_error(mysql_)));
         mysql_close(mysql_);
         mysql_ = nullptr;
         throw e;
@@ -97,7 +100,8 @@ void ConexionMaria::Cierra() {
 
 void ConexionMaria::Falla(const std::string& accion, const std::string& sql) const {
     if (mysql_ == nullptr) throw host::ErrorDatos(accion, sql, 0, "la conexión está cerrada");
-    throw host::ErrorDatos(accion, sql, static_cast<int>(mysql_errno(mysql_)), mysql_error(mysql_));
+    throw host::ErrorDatos(accion, sql, static_cast<int>(mysql_errno(mysql_)),
+                           MensajeMaria(mysql_errno(mysql_), mysql_error(mysql_)));
 }
 
 detail::Resultado ConexionMaria::Consulta(const std::string& sql, const std::string& accion) {

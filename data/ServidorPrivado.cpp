@@ -12,6 +12,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cctype>
 #include <cerrno>
 #include <chrono>
@@ -25,6 +26,9 @@
 #include <sstream>
 #include <thread>
 #include <vector>
+
+#include "data/MensajesCliente.h"
+#include "toolkit/Ini.h"
 
 namespace paratzorep::data {
 
@@ -317,13 +321,44 @@ Conexion conectarSocket(const std::string& socket, const std::string& usuario,
     mysql_optionsv(m.get(), MYSQL_SET_CHARSET_NAME, "utf8mb4");
     if (!mysql_real_connect(m.get(), "localhost", usuario.c_str(), password.c_str(), nullptr, 0,
                             socket.c_str(), 0)) {
-        if (error) *error = mysql_error(m.get());
+        if (error) *error = MensajeMaria(mysql_errno(m.get()), mysql_error(m.get()));
         return nullptr;
     }
     return m;
 }
 
-std::vector<std::string> opcionesComunes(const fs::path& datos) {
+constexpr std::uint64_t kMiB = 1024ULL * 1024;
+// The pool's share of the memory and its bounds; an explicit size may go from kMinimoIni up to
+// the whole memory.
+constexpr std::uint64_t kFraccionMemoria = 8;
+constexpr std::uint64_t kPoolMinimo = 128 * kMiB;
+constexpr std::uint64_t kPoolMaximo = 1024 * kMiB;
+constexpr std::uint64_t kMinimoIni = 32 * kMiB;
+
+// The memory this process may use: the machine's, or its control group's limit when lower.
+std::uint64_t memoriaDisponible() {
+    const long paginas = ::sysconf(_SC_PHYS_PAGES);
+    const long tamPagina = ::sysconf(_SC_PAGESIZE);
+    std::uint64_t memoria = paginas > 0 && tamPagina > 0 ? static_cast<std::uint64_t>(paginas) *
+                                                               static_cast<std::uint64_t>(tamPagina)
+                                                         : 0;
+    for (const char* limite :
+         {"/sys/fs/cgroup/memory.max", "/sys/fs/cgroup/memory/memory.limit_in_bytes"}) {
+        std::string texto = leerArchivo(limite);
+        while (!texto.empty() && std::isspace(static_cast<unsigned char>(texto.back())))
+            texto.pop_back();
+        if (texto.empty() || texto == "max") continue;
+        if (auto n = LeeTamano(texto); n && *n > 0 && (memoria == 0 || *n < memoria)) memoria = *n;
+    }
+    return memoria;
+}
+
+// "1536M": InnoDB takes sizes in whole mebibytes best.
+std::string enMegas(std::uint64_t bytes) {
+    return std::to_string((bytes + kMiB - 1) / kMiB) + "M";
+}
+
+std::vector<std::string> opcionesComunes(const fs::path& datos, std::uint64_t bufferPool) {
     std::vector<std::string> o = {
         "--no-defaults",  // must come first: never read /etc/mysql or ~/.my.cnf
         "--datadir=" + datos.string(),
@@ -335,7 +370,7 @@ std::vector<std::string> opcionesComunes(const fs::path& datos) {
         "--skip-name-resolve",
         "--skip-log-bin",
         "--innodb-flush-log-at-trx-commit=2",
-        "--innodb-buffer-pool-size=128M",
+        "--innodb-buffer-pool-size=" + enMegas(bufferPool),
         "--innodb-log-file-size=64M",
     };
     if (::geteuid() == 0) o.push_back("--user=root");
@@ -372,6 +407,68 @@ fs::path ServidorPrivado::homePorDefecto() {
     }
     if (base.empty()) base = "/tmp";
     return fs::path(base) / ".local" / "share" / "tzorep";
+}
+
+std::uint64_t BufferPoolParaMemoria(std::uint64_t memoria) {
+    return std::clamp(memoria / detail::kFraccionMemoria, detail::kPoolMinimo, detail::kPoolMaximo);
+}
+
+std::optional<std::uint64_t> LeeTamano(const std::string& texto) {
+    std::size_t i = 0;
+    while (i < texto.size() && std::isspace(static_cast<unsigned char>(texto[i]))) ++i;
+    std::uint64_t n = 0;
+    const std::size_t inicio = i;
+    for (; i < texto.size() && std::isdigit(static_cast<unsigned char>(texto[i])); ++i) {
+        const auto d = static_cast<std::uint64_t>(texto[i] - '0');
+        if (n > (UINT64_MAX - d) / 10) return std::nullopt;
+        n = n * 10 + d;
+    }
+    if (i == inicio) return std::nullopt;
+    std::uint64_t factor = 1;
+    if (i < texto.size()) {
+        switch (std::toupper(static_cast<unsigned char>(texto[i]))) {
+            case 'K':
+                factor = 1024;
+                break;
+            case 'M':
+                factor = detail::kMiB;
+                break;
+            case 'G':
+                factor = 1024 * detail::kMiB;
+                break;
+            default:
+                factor = 0;
+        }
+        if (factor != 0) {
+            ++i;
+            if (i < texto.size() && std::toupper(static_cast<unsigned char>(texto[i])) == 'B') ++i;
+        }
+    }
+    while (i < texto.size() && std::isspace(static_cast<unsigned char>(texto[i]))) ++i;
+    if (factor == 0 || i != texto.size() || n > UINT64_MAX / factor) return std::nullopt;
+    return n * factor;
+}
+
+TamanoBufferPool ServidorPrivado::bufferPool() const {
+    const fs::path ini = home_ / "tzorep.ini";
+    const std::uint64_t memoria = detail::memoriaDisponible();
+    std::string texto;
+    try {
+        texto = toolkit::LeeIni("ServidorPrivado", "BufferPool", ini);
+    } catch (const std::exception& e) {
+        throw ErrorServidor("No se pudo leer " + ini.string() + ": " + e.what());
+    }
+    if (texto.find_first_not_of(" \t") == std::string::npos)
+        return {BufferPoolParaMemoria(memoria), false};
+    const auto n = LeeTamano(texto);
+    if (!n || *n < detail::kMinimoIni || (memoria > 0 && *n > memoria)) {
+        throw ErrorServidor("El valor BufferPool=" + texto +
+                            " de la sección [ServidorPrivado] de " + ini.string() +
+                            " no es un tamaño válido: escriba uno entre 32M y " +
+                            (memoria > 0 ? detail::enMegas(memoria) : std::string("la memoria")) +
+                            ", por ejemplo 512M o 2G, o quite la línea para el tamaño automático");
+    }
+    return {*n, true};
 }
 
 fs::path ServidorPrivado::rutaSocket() const {
@@ -429,6 +526,7 @@ DatosServidor ServidorPrivado::iniciar() {
 
     const fs::path mariadbd = detail::buscarPrograma("mariadbd");
     const fs::path datos = carpetaDatos();
+    const std::uint64_t pool = bufferPool().bytes;
 
     // First start: initialise the data folder. A folder without the system
     // database is what a failed initialisation left behind.
@@ -438,7 +536,7 @@ DatosServidor ServidorPrivado::iniciar() {
         const fs::path registro = home_ / "instalacion.log";
         fs::remove(registro, ec);
         std::vector<std::string> args = {instalador.string()};
-        for (auto& o : detail::opcionesComunes(datos)) args.push_back(o);
+        for (auto& o : detail::opcionesComunes(datos, detail::kPoolMinimo)) args.push_back(o);
         args.push_back("--auth-root-authentication-method=socket");
         args.push_back("--skip-test-db");
         int rc = detail::esperarFin(detail::lanzar(args, registro));
@@ -480,7 +578,7 @@ DatosServidor ServidorPrivado::iniciar() {
     for (int intento = 1;; ++intento) {
         const int puerto = detail::puertoLibre();
         std::vector<std::string> args = {mariadbd.string()};
-        for (auto& o : detail::opcionesComunes(datos)) args.push_back(o);
+        for (auto& o : detail::opcionesComunes(datos, pool)) args.push_back(o);
         for (std::string o : {
                  "--socket=" + socket.string(),
                  "--port=" + std::to_string(puerto),
@@ -494,6 +592,9 @@ DatosServidor ServidorPrivado::iniciar() {
                  std::string("--max-allowed-packet=64M"),
                  std::string("--max-connections=100"),
                  std::string("--performance-schema=OFF"),
+                 // Error texts in Spanish (Debian's mariadb-server-core ships
+                 // /usr/share/mysql/spanish/errmsg.sys).
+                 std::string("--lc-messages=es_ES"),
              })
             args.push_back(o);
 

@@ -1,6 +1,8 @@
 // The private MariaDB server that the project runs under its home folder when no
 // other server is configured: started with `mariadbd --no-defaults ...`, its own
-// data folder, socket and a free 127.0.0.1 port, utf8mb4, zero dates allowed.
+// data folder, socket and a free 127.0.0.1 port, utf8mb4, zero dates allowed, Spanish error
+// texts (so that a server message quoted in ours reads in the same language), and a buffer
+// pool sized to the machine.
 //
 // Files in the home folder:
 //   mariadb/          the data folder (initialised on the first start)
@@ -11,6 +13,7 @@
 //   servidor.lock     held while a start or a stop is in progress
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <stdexcept>
@@ -28,6 +31,21 @@ struct DatosServidor {
     std::string usuario;   // application user
     std::string password;  // its password
 };
+
+// The InnoDB buffer pool of the private server. Reports read whole tables, so the pool
+// takes a share of the machine's memory (an eighth of it, between 128 MiB and 1 GiB; the
+// memory is the machine's or the control group's limit, the smaller) unless
+// `[ServidorPrivado] BufferPool` in the home's tzorep.ini gives a size ("768M", "2G").
+struct TamanoBufferPool {
+    std::uint64_t bytes = 0;
+    bool delIni = false;  // given by tzorep.ini
+};
+
+// Pool size for a machine with `memoria` bytes.
+std::uint64_t BufferPoolParaMemoria(std::uint64_t memoria);
+// A size as tzorep.ini writes it: a whole number of bytes, or followed by K, M or G (either
+// case, optionally "B" after it: "512MB"). nullopt when the text is not a size.
+std::optional<std::uint64_t> LeeTamano(const std::string& texto);
 
 // State of the server of one home folder.
 struct EstadoServidor {
@@ -71,6 +89,9 @@ class ServidorPrivado {
     std::filesystem::path registroErrores() const { return home_ / "mariadbd.err"; }
     // The socket's path: in the home, or under /tmp when that path is too long.
     std::filesystem::path rutaSocket() const;
+    // The buffer pool the next start gives the server. Throws ErrorServidor when tzorep.ini
+    // holds a value that is not a usable size.
+    TamanoBufferPool bufferPool() const;
 
   private:
     std::filesystem::path home_;

@@ -10,6 +10,8 @@
 #include <sstream>
 #include <thread>
 
+#include "data/MensajesCliente.h"
+
 namespace paratzorep::schema {
 
 ErrorEsquema::ErrorEsquema(const std::string& mensaje, std::string sql, unsigned codigo,
@@ -52,7 +54,7 @@ Conexion Conexion::abrir(const data::DatosServidor& datos, const std::string& ba
             << (porSocket ? datos.socket : datos.host + ":" + std::to_string(datos.puerto))
             << ", usuario '" << datos.usuario << "'";
         if (!base.empty()) msg << ", base '" << base << "'";
-        msg << "): " << mysql_error(m);
+        msg << "): " << data::MensajeMaria(mysql_errno(m), mysql_error(m));
         throw ErrorEsquema(msg.str(), {}, mysql_errno(m));
     }
     return c;

@@ -1005,7 +1005,9 @@ CREATE TABLE movcortes (
 ) ENGINE=InnoDB;
 
 -- Warehouse history: one row per stock movement, Id increasing. Per product,
--- ExistenciaAnterior is the previous row's ExistenciaActual.
+-- ExistenciaAnterior is the previous row's ExistenciaActual. ProductoId serves
+-- the product rotation's "latest movement up to a date" (Producto=, Fecha<=,
+-- ORDER BY Id DESC LIMIT 1) without sorting the product's rows.
 CREATE TABLE historicoalmacen (
     Id INT NOT NULL AUTO_INCREMENT,
     Producto VARCHAR(20) NOT NULL DEFAULT '',
@@ -1022,6 +1024,7 @@ CREATE TABLE historicoalmacen (
     Usuario VARCHAR(30) NOT NULL DEFAULT '',
     PRIMARY KEY (Id),
     KEY Producto (Producto, Fecha, Id),
+    KEY ProductoId (Producto, Id),
     KEY Fecha (Fecha)
 ) ENGINE=InnoDB;
 

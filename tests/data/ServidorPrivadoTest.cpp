@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cstdio>
 #include <fstream>
+#include <optional>
 #include <vector>
 
 #include "support/Soporte.h"
@@ -198,6 +199,23 @@ TEST(ServidorPrivadoAjustes, NombresDeTablaSinMayusculas) {
     EXPECT_EQ(bd.valor("SELECT @@lower_case_table_names"), "1");
 }
 
+// The server's own error texts are Spanish, and its buffer pool is the size that the home's
+// tzorep.ini or the machine give (InnoDB rounds it up to whole chunks).
+TEST(ServidorPrivadoAjustes, MensajesEnEspanolYBufferPoolDeLaMaquina) {
+    BaseDeDatosDePrueba bd;
+    EXPECT_EQ(bd.valor("SELECT @@lc_messages"), "es_ES");
+    try {
+        bd.ejecutar("SELECT * FROM noexiste");
+        ADD_FAILURE() << "la tabla existe";
+    } catch (const std::exception& e) {
+        EXPECT_NE(std::string(e.what()).find("no existe"), std::string::npos) << e.what();
+    }
+    const auto pedido = ServidorPrivado(pruebas::homeDePrueba()).bufferPool().bytes;
+    const auto real = std::stoull(bd.valor("SELECT @@innodb_buffer_pool_size").value_or("0"));
+    EXPECT_GE(real, pedido);
+    EXPECT_LT(real, pedido + 256ULL * 1024 * 1024);
+}
+
 TEST(ServidorPrivadoAjustes, RootSoloPorSocket) {
     const DatosServidor& s = pruebas::servidorDePrueba();
     DatosServidor root = s;
@@ -214,6 +232,68 @@ TEST(ServidorPrivadoAjustes, ArchivoDeConexionPrivado) {
     ASSERT_EQ(::stat(servidor.archivoConexion().c_str(), &st), 0);
     EXPECT_EQ(st.st_mode & 0077, 0u);
     EXPECT_EQ(servidor.rutaSocket(), servidor.home() / "mariadb.sock");
+}
+
+}  // namespace
+}  // namespace paratzorep::data
+
+namespace paratzorep::data {
+namespace {
+
+constexpr std::uint64_t kMiB = 1024ULL * 1024;
+
+struct CasoTamano {
+    const char* nombre;
+    const char* texto;
+    std::optional<std::uint64_t> bytes;
+};
+
+class TamanosDelIni : public ::testing::TestWithParam<CasoTamano> {};
+
+TEST_P(TamanosDelIni, SeLeenEnBytes) {
+    EXPECT_EQ(LeeTamano(GetParam().texto), GetParam().bytes);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Textos, TamanosDelIni,
+    ::testing::Values(
+        CasoTamano{"Megas", "512M", 512 * kMiB}, CasoTamano{"GigasEnMinuscula", "2g", 2048 * kMiB},
+        CasoTamano{"ConB", "768MB", 768 * kMiB}, CasoTamano{"Kilos", "65536K", 64 * kMiB},
+        CasoTamano{"Bytes", "134217728", 128 * kMiB},
+        CasoTamano{"ConEspacios", " 1G ", 1024 * kMiB}, CasoTamano{"Decimal", "1.5G", std::nullopt},
+        CasoTamano{"Negativo", "-5M", std::nullopt}, CasoTamano{"OtraUnidad", "5T", std::nullopt},
+        CasoTamano{"Palabra", "mucho", std::nullopt}, CasoTamano{"Vacio", "", std::nullopt},
+        CasoTamano{"Desborda", "99999999999999999999G", std::nullopt}),
+    [](const auto& i) { return std::string(i.param.nombre); });
+
+TEST(BufferPoolPorOmision, UnOctavoDeLaMemoriaEntre128MiBy1GiB) {
+    const struct {
+        std::uint64_t memoria, pool;
+    } casos[] = {
+        {0, 128 * kMiB},           {512 * kMiB, 128 * kMiB},   {2048 * kMiB, 256 * kMiB},
+        {4096 * kMiB, 512 * kMiB}, {8192 * kMiB, 1024 * kMiB}, {65536 * kMiB, 1024 * kMiB}};
+    for (const auto& c : casos) EXPECT_EQ(BufferPoolParaMemoria(c.memoria), c.pool) << c.memoria;
+}
+
+TEST(BufferPoolPorOmision, ElIniLoFijaYUnValorMaloSeExplica) {
+    CarpetaTemporal home;
+    ServidorPrivado s(home.ruta());
+    EXPECT_FALSE(s.bufferPool().delIni);
+    std::ofstream(home.ruta() / "tzorep.ini") << "[ServidorPrivado]\nBufferPool=256M\n";
+    EXPECT_EQ(s.bufferPool().bytes, 256 * kMiB);
+    EXPECT_TRUE(s.bufferPool().delIni);
+    for (const char* malo : {"mucho", "1M", "99999G"}) {
+        std::ofstream(home.ruta() / "tzorep.ini")
+            << "[ServidorPrivado]\nBufferPool=" << malo << "\n";
+        try {
+            s.bufferPool();
+            ADD_FAILURE() << malo << " fue aceptado";
+        } catch (const ErrorServidor& e) {
+            EXPECT_NE(std::string(e.what()).find("BufferPool=" + std::string(malo)),
+                      std::string::npos)
+                << e.what();
+        }
+    }
 }
 
 }  // namespace
