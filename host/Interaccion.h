@@ -27,7 +27,8 @@ class Interaccion {
                               Botones botones = Botones::Aceptar) = 0;
     // The system beep.
     virtual void Beep() = 0;
-    // Progress of a long task: 0..100 and a short text; 0 with "" hides the bar.
+    // Progress of a long task: 0..100, or -1 when the share done is not known (rows read so
+    // far, say), and a short text; 0 with "" hides the bar.
     virtual void Progreso(int porcentaje, const std::string& texto) = 0;
     // The status line's text.
     virtual void TextoEstado(const std::string& texto) = 0;

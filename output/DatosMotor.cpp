@@ -46,6 +46,14 @@ class CursorReporte : public renderer::CursorFilas {
         return Constante(tabla, campo);
     }
 
+    int Posicion(std::string_view tabla, std::string_view campo) const override {
+        return filas_->indice(tabla, campo);
+    }
+
+    const renderer::Valor& EnPosicion(int posicion) const override {
+        return filas_->valor(static_cast<std::size_t>(posicion));
+    }
+
     renderer::Valor Constante(std::string_view tabla, std::string_view campo) const override {
         auto t = constantes_.find(Minusculas(std::string(tabla)));
         if (t == constantes_.end()) return {};

@@ -7,7 +7,9 @@
 #include <vector>
 
 #include "data/AbrirBaseDeDatos.h"
+#include "data/MensajesCliente.h"
 #include "host/DatosConecte.h"
+#include "host/Interaccion.h"
 #include "output/BitacoraSolicitudes.h"
 #include "output/DatosMotor.h"
 #include "output/Plantillas.h"
@@ -91,6 +93,35 @@ std::string NombrePdf(const std::string& carpeta, const std::string& reporte, st
     std::string c = toolkit::RutaNativa(carpeta);
     if (!c.empty() && c.back() != '/') c += '/';
     return c + reporte + sello + ".pdf";
+}
+
+std::string ConMiles(std::int64_t n) {
+    std::string digitos = std::to_string(n < 0 ? -n : n);
+    std::string r;
+    for (std::size_t i = 0; i < digitos.size(); ++i) {
+        if (i > 0 && (digitos.size() - i) % 3 == 0) r += ',';
+        r += digitos[i];
+    }
+    return n < 0 ? "-" + r : r;
+}
+
+std::pair<int, std::string> TextoAvance(const renderer::AvanceMotor& a) {
+    // A rate over less than a fifth of a second says little.
+    const auto ritmo = [&](double cuantos, const char* que) {
+        if (a.segundos < 0.2) return std::string();
+        return " (" + ConMiles(static_cast<std::int64_t>(cuantos / a.segundos)) + " " + que + "/s)";
+    };
+    if (a.fase == renderer::AvanceMotor::Fase::Leyendo) {
+        if (a.filas == 0 && a.paginas == 0) return {-1, "Leyendo datos..."};
+        return {-1, "Leyendo datos: " + ConMiles(a.filas) +
+                        (a.filas == 1 ? " fila, " : " filas, ") + ConMiles(a.paginas) +
+                        (a.paginas == 1 ? " página" : " páginas") +
+                        ritmo(static_cast<double>(a.filas), "filas")};
+    }
+    const int total = std::max(a.paginas, 1);
+    return {static_cast<int>(100LL * a.escritas / total),
+            "Escribiendo: página " + ConMiles(a.escritas) + " de " + ConMiles(a.paginas) +
+                ritmo(a.escritas, "páginas")};
 }
 
 // A message without the password, whatever the layer below put in it.
@@ -196,6 +227,14 @@ void Ejecuta(const std::string& archivoLocal) {
     motor.Parametro("UsuarioImpresion",
                     sol.UsuarioImpresion.empty() ? s.UserUsuario : sol.UsuarioImpresion);
     motor.Datos(AbreDatosReporte);
+    motor.Avance([](const renderer::AvanceMotor& a) {
+        const auto [porcentaje, texto] = TextoAvance(a);
+        host::interaccion().Progreso(porcentaje, texto);
+    });
+    // The bar goes away when the run ends, however it ends.
+    struct OcultaAvance {
+        ~OcultaAvance() { host::interaccion().Progreso(0, ""); }
+    } ocultaAvance;
     motor.SalidaPantalla(opcionesEjecucion().salidaPantalla);
     motor.AnchoPantalla(opcionesEjecucion().anchoPantalla);
     motor.SeparadorPantalla(opcionesEjecucion().separadorPaginas);
@@ -260,10 +299,18 @@ void EjecutaReporte(const std::string& archivoLocal) {
             limpio("El reporte se generó pero no se pudo imprimir: " + e.causa() +
                    (guardado.empty() ? std::string() : " El PDF quedó guardado en: " + guardado)));
     } catch (const std::exception& e) {
+        // The ODBC driver's own connection errors come in English: said again in Spanish.
+        std::string texto = e.what();
+        if (const auto* d = dynamic_cast<const renderer::data::ErrorDatos*>(&e);
+            d && d->codigo() >= 2000 && d->codigo() <= 2999)
+            texto = renderer::data::ErrorDatos(
+                        d->accion(),
+                        data::MensajeMaria(static_cast<unsigned>(d->codigo()), d->detalle()),
+                        d->sql(), d->estado(), d->codigo())
+                        .what();
         // The original stays nested for hosts that want its context (SQL, server code).
-        std::throw_with_nested(
-            ErrorReporte(limpio("No se pudo generar el reporte '" + session::solicitud().Plantilla +
-                                "'. " + e.what())));
+        std::throw_with_nested(ErrorReporte(limpio(
+            "No se pudo generar el reporte '" + session::solicitud().Plantilla + "'. " + texto)));
     }
 }
 

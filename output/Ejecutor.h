@@ -11,6 +11,7 @@
 #include <ostream>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include "renderer/Motor.h"
 
@@ -78,6 +79,12 @@ std::string NombrePdf(const std::string& carpeta, const std::string& reporte, st
 // A PDF that could not be printed, moved into the session's PDF folder under the stamped
 // name; where it now is ("" when it no longer exists).
 std::string GuardaSinImprimir(const std::filesystem::path& pdf);
+// What the progress bar says of a run ("Leyendo datos: 120,000 filas, 2,400 páginas
+// (85,000 filas/s)", "Escribiendo: página 1,200 de 3,893 (2,000 páginas/s)") and its percentage
+// (-1 while reading: the total is not known).
+std::pair<int, std::string> TextoAvance(const renderer::AvanceMotor& a);
+// 1234567 -> "1,234,567".
+std::string ConMiles(std::int64_t n);
 
 }  // namespace detail
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cctype>
+#include <chrono>
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
@@ -40,6 +41,52 @@ bool Iguales(std::string_view a, std::string_view b) {
            });
 }
 
+// Tells the host where the run stands: at the start and end of each phase, and in between
+// when `intervalo` seconds have passed, looking at the clock only every 256 rows and at pages.
+class Avisador {
+  public:
+    using Reloj = std::chrono::steady_clock;
+
+    Avisador(const FuncionAvance& f, double intervalo) : f_(f), intervalo_(intervalo) {}
+
+    void Empieza(AvanceMotor::Fase fase) {
+        a_.fase = fase;
+        a_.escritas = 0;
+        inicio_ = Reloj::now();
+        Mira(true);
+    }
+    void Fila() {
+        if (!f_) return;
+        if ((++a_.filas & 255) == 0) Mira(false);
+    }
+    void Pagina(int paginas) {
+        a_.paginas = paginas;
+        Mira(false);
+    }
+    void Escrita(int escritas) {
+        a_.escritas = escritas;
+        Mira(false);
+    }
+    void Termina() { Mira(true); }
+
+  private:
+    void Mira(bool siempre) {
+        if (!f_) return;
+        const auto ahora = Reloj::now();
+        if (!siempre && ahora < proximo_) return;
+        proximo_ = ahora + std::chrono::duration_cast<Reloj::duration>(
+                               std::chrono::duration<double>(intervalo_));
+        a_.segundos = std::chrono::duration<double>(ahora - inicio_).count();
+        f_(a_);
+    }
+
+    const FuncionAvance& f_;
+    double intervalo_;
+    AvanceMotor a_;
+    Reloj::time_point inicio_ = Reloj::now();
+    Reloj::time_point proximo_ = inicio_;
+};
+
 // The layout's rows over the data layer's cursor: fields come from the cursor, named
 // formulas are evaluated on each row, parameters are constants, and the selection formula
 // is applied here when the data layer could not apply all of it.
@@ -47,8 +94,8 @@ class FuenteEvaluada : public FuenteFilas, private formula::Contexto {
   public:
     FuenteEvaluada(CursorFilas& cursor, const Plantilla& plantilla,
                    const std::map<std::string, std::string>& parametros,
-                   const formula::Formula* seleccion)
-        : cursor_(cursor), parametros_(parametros), seleccion_(seleccion) {
+                   const formula::Formula* seleccion, Avisador& avisador)
+        : cursor_(cursor), parametros_(parametros), seleccion_(seleccion), avisador_(avisador) {
         for (const auto& f : plantilla.formulas) {
             try {
                 formulas_.push_back({f.nombre, formula::analizar(f.expresion)});
@@ -62,11 +109,12 @@ class FuenteEvaluada : public FuenteFilas, private formula::Contexto {
     void Prepara(const std::vector<Referencia>& refs) override {
         refs_.clear();
         for (const auto& r : refs) {
-            Ref x{r.tipo, {}, {}, nullptr, {}};
+            Ref x{r.tipo, {}, {}, nullptr, {}, -1};
             if (r.tipo == Referencia::Tipo::Campo) {
                 auto p = r.nombre.find('.');
                 x.tabla = r.nombre.substr(0, p);
                 x.campo = r.nombre.substr(p + 1);
+                x.posicion = cursor_.Posicion(x.tabla, x.campo);
             } else if (r.tipo == Referencia::Tipo::Formula) {
                 x.formula = Busca(r.nombre);
                 if (!x.formula)
@@ -84,6 +132,7 @@ class FuenteEvaluada : public FuenteFilas, private formula::Contexto {
             hayFila_ = true;
             if (seleccion_ && !Selecciona()) continue;
             Llena(v);
+            avisador_.Fila();
             return true;
         }
     }
@@ -99,6 +148,7 @@ class FuenteEvaluada : public FuenteFilas, private formula::Contexto {
         std::string tabla, campo;
         const formula::Formula* formula;
         Valor constante;
+        int posicion;  // in the cursor's row, or -1: read by name
     };
 
     bool Selecciona() {
@@ -116,8 +166,12 @@ class FuenteEvaluada : public FuenteFilas, private formula::Contexto {
             const Ref& r = refs_[i];
             switch (r.tipo) {
                 case Referencia::Tipo::Campo:
-                    v[i] = hayFila_ ? cursor_.Campo(r.tabla, r.campo)
-                                    : cursor_.Constante(r.tabla, r.campo);
+                    if (!hayFila_)
+                        v[i] = cursor_.Constante(r.tabla, r.campo);
+                    else if (r.posicion >= 0)
+                        v[i] = cursor_.EnPosicion(r.posicion);
+                    else
+                        v[i] = cursor_.Campo(r.tabla, r.campo);
                     break;
                 case Referencia::Tipo::Formula:
                     v[i] = Evalua(*r.formula);
@@ -176,6 +230,7 @@ class FuenteEvaluada : public FuenteFilas, private formula::Contexto {
     std::vector<Ref> refs_;
     bool hayFila_ = false;
     mutable int profundidad_ = 0;
+    Avisador& avisador_;
 };
 
 std::string CarpetaTemporal() {
@@ -184,6 +239,11 @@ std::string CarpetaTemporal() {
 }
 
 }  // namespace detail
+
+const Valor& CursorFilas::EnPosicion(int) const {
+    static const Valor vacio;
+    return vacio;
+}
 
 Motor::Motor() : imprimir_(ImprimirEnCups) {
     RegistraEscritor(InfoDe(TipoArchivo::Rtf).codigo, CreaEscritorRtf);
@@ -356,11 +416,13 @@ void Motor::Renderiza() {
         }
     }
 
+    detail::Avisador avisador(avance_, intervaloAvance_);
+    avisador.Empieza(AvanceMotor::Fase::Leyendo);
     DatosAbiertos datos = proveedor_(consulta);
     if (!datos.cursor) throw ErrorMotor("El origen de datos no entregó filas para el reporte");
     detail::FuenteEvaluada fuente(
         *datos.cursor, p, parametros,
-        datos.seleccionAplicada || seleccion.vacia() ? nullptr : &seleccion);
+        datos.seleccionAplicada || seleccion.vacia() ? nullptr : &seleccion, avisador);
     ListaPaginas lista;
     static std::atomic<int> contador{0};
     std::string carpetaVista;
@@ -369,17 +431,18 @@ void Motor::Renderiza() {
         if (carpetaVista.empty())
             carpetaVista = detail::CarpetaTemporal() + "/tzorep-vista-" + std::to_string(getpid()) +
                            "-" + std::to_string(++contador);
+    }
+    maquetador.AlCerrarPagina([&](int paginas) {
+        avisador.Pagina(paginas);
         // The first page is shown as soon as it is laid out, its total still unknown;
         // the replay below writes it again with the total.
-        maquetador.AlCerrarPagina([&](int paginas) {
-            if (paginas != 1) return;
-            PngEscritor png(carpetaVista, medidor);
-            const std::string pendiente = "…";
-            png.Inicia(maquetador.DocumentoSalida());
-            png.Pagina(lista.Lee(0, medidor, &pendiente));
-            png.Termina();
-        });
-    }
+        if (destino_ != 0 || paginas != 1) return;
+        PngEscritor png(carpetaVista, medidor);
+        const std::string pendiente = "…";
+        png.Inicia(maquetador.DocumentoSalida());
+        png.Pagina(lista.Lee(0, medidor, &pendiente));
+        png.Termina();
+    });
     // Tabular types take the report's data, record by record as the layout reads them.
     std::unique_ptr<TablaDatos> tabla;
     if (tipo && fabricasTabla_.count(tipo->codigo)) {
@@ -391,7 +454,11 @@ void Motor::Renderiza() {
         maquetador.AlRegistro([&tabla](const std::vector<Valor>& v) { tabla->Registro(v); });
     }
     auto r = maquetador.Maqueta(fuente, lista);
+    avisador.Pagina(r.paginas);
+    avisador.Termina();
     datos.cursor.reset();  // the connection goes before the slow part, the output
+    avisador.Empieza(AvanceMotor::Fase::Escribiendo);
+    const auto escrita = [&](int n) { avisador.Escrita(n); };
     resultado_.paginas = r.paginas;
     resultado_.filas = r.filas;
     Documento doc = maquetador.DocumentoSalida();
@@ -401,18 +468,20 @@ void Motor::Renderiza() {
         PngEscritor png(carpetaVista, medidor);
         TxtEscritor txt(salidaPantalla_ ? *salidaPantalla_ : std::cout, separadorPantalla_);
         txt.AjustaA(anchoPantalla_);
-        lista.Reproduce(doc, medidor, {&png, &txt});
+        lista.Reproduce(doc, medidor, {&png, &txt}, escrita);
         for (int i = 1; i <= r.paginas; ++i) resultado_.archivos.push_back(png.ArchivoPagina(i));
     } else if (destino_ == 1) {
         std::string pdf = detail::CarpetaTemporal() + "/tzorep-impresion-" +
                           std::to_string(getpid()) + "-" + std::to_string(++contador) + ".pdf";
         PdfEscritor escritor(pdf, medidor);
-        lista.Reproduce(doc, medidor, {&escritor});
+        lista.Reproduce(doc, medidor, {&escritor}, escrita);
         imprimir_(pdf, impresora_, copias_ < 1 ? 1 : copias_, doc.titulo);
         std::error_code ec;
         std::filesystem::remove(pdf, ec);
     } else if (tabla) {
+        // The table was written while the rows were read.
         tabla->Termina();
+        escrita(r.paginas);
         resultado_.archivos.push_back(nombreArchivo_);
     } else {
         std::unique_ptr<Escritor> escritor;
@@ -424,9 +493,10 @@ void Motor::Renderiza() {
             escritor = fabricas_.at(tipo->codigo)(nombreArchivo_);
         // Every writer draws into a partial file and puts it in place only when complete: a
         // failure leaves no half-written report and keeps an earlier file of the same name.
-        lista.Reproduce(doc, medidor, {escritor.get()});
+        lista.Reproduce(doc, medidor, {escritor.get()}, escrita);
         resultado_.archivos.push_back(nombreArchivo_);
     }
+    avisador.Termina();
 }
 
 }  // namespace paratzorep::renderer

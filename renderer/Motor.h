@@ -37,6 +37,12 @@ class CursorFilas {
     // A value that does not depend on the rows (a heading table read once), asked when the
     // report has no rows so that its headings still print; empty by default.
     virtual Valor Constante(std::string_view, std::string_view) const { return {}; }
+    // Where tabla.campo stands in the row, found once before the first row so that the
+    // layout reads each row's values by position instead of by name; -1 when the cursor
+    // answers that field through Campo only.
+    virtual int Posicion(std::string_view, std::string_view) const { return -1; }
+    // The current row's value at a position that Posicion gave.
+    virtual const Valor& EnPosicion(int posicion) const;
 };
 
 // What the engine asks of the data layer for one run.
@@ -60,6 +66,18 @@ using ProveedorDatos = std::function<DatosAbiertos(const ConsultaReporte&)>;
 // Prints a finished PDF: file, printer name, copies, job title. Errors throw.
 using FuncionImprimir = std::function<void(const std::string& pdf, const std::string& impresora,
                                            int copias, const std::string& titulo)>;
+
+// Where a run stands, for a host that shows progress: first the rows are read and laid out
+// into pages, then the pages are written to the destination.
+struct AvanceMotor {
+    enum class Fase { Leyendo, Escribiendo };
+    Fase fase = Fase::Leyendo;
+    std::int64_t filas = 0;  // rows read so far (in all, once writing)
+    int paginas = 0;         // pages laid out so far (in all, once writing)
+    int escritas = 0;        // pages written so far
+    double segundos = 0;     // since the phase began
+};
+using FuncionAvance = std::function<void(const AvanceMotor&)>;
 
 struct ResultadoMotor {
     int paginas = 0;
@@ -125,6 +143,13 @@ class Motor {
     // own width), separated by `separador` (a form feed by default).
     void AnchoPantalla(int columnas) { anchoPantalla_ = columnas; }
     void SeparadorPantalla(std::string separador) { separadorPantalla_ = std::move(separador); }
+    // Progress of Action: told at the start and end of each phase and, in between, every
+    // `intervalo` seconds at most (rows are counted, the clock is looked at every 256 rows and
+    // at each page), so that showing it costs nothing per row.
+    void Avance(FuncionAvance f, double intervalo = 0.2) {
+        avance_ = std::move(f);
+        intervaloAvance_ = intervalo;
+    }
 
     const ResultadoMotor& Resultado() const { return resultado_; }
 
@@ -155,6 +180,8 @@ class Motor {
     std::ostream* salidaPantalla_ = nullptr;
     int anchoPantalla_ = 0;
     std::string separadorPantalla_ = "\f";
+    FuncionAvance avance_;
+    double intervaloAvance_ = 0.2;
     ResultadoMotor resultado_;
 };
 

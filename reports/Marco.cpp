@@ -1,5 +1,6 @@
 #include "reports/Marco.h"
 
+#include <chrono>
 #include <exception>
 
 #include "data/AbrirBaseDeDatos.h"
@@ -234,6 +235,22 @@ std::int64_t FormaReporte::Ejecutar(const std::string& sql) {
     return detail::Base(paso_).Executar(cn_, sql);
 }
 
+std::int64_t FormaReporte::Llena(const std::string& sql) {
+    auto& sink = host::interaccion();
+    sink.Progreso(-1, "Llenando la tabla de trabajo...");
+    const auto inicio = std::chrono::steady_clock::now();
+    const std::int64_t filas = Ejecutar(sql);
+    const double s =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - inicio).count();
+    std::string texto =
+        "Tabla de trabajo: " + output::detail::ConMiles(filas) + (filas == 1 ? " fila" : " filas");
+    if (s >= 0.2)
+        texto +=
+            " (" + output::detail::ConMiles(static_cast<std::int64_t>(filas / s)) + " filas/s)";
+    sink.Progreso(-1, texto);
+    return filas;
+}
+
 void FormaReporte::PasaGenerales(std::vector<std::pair<std::string, host::Valor>> valores) {
     Paso("escribir los encabezados en el archivo de trabajo local");
     auto& bd = detail::Base(paso_);
@@ -320,6 +337,7 @@ bool FormaReporte::Imprime() {
     }
     std::string problemas;
     BorraTablas(problemas);
+    host::interaccion().Progreso(0, "");
     if (fallo.empty() && problemas.empty()) {
         GuardaRecordados();
         return true;

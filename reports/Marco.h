@@ -84,6 +84,9 @@ class FormaReporte : public FormaBasica {
     std::string ClonaTabla(const std::string& modelo, bool enReportes);
     // Runs a statement on the company database; returns the rows it affected.
     std::int64_t Ejecutar(const std::string& sql);
+    // Ejecutar for the statement that fills a work table in one go (INSERT ... SELECT), with
+    // the progress bar saying so and then how many rows went in, and how fast.
+    std::int64_t Llena(const std::string& sql);
     // Writes the general values into the local work file's Generales (UsuarioImpresion added).
     void PasaGenerales(std::vector<std::pair<std::string, host::Valor>> valores);
     // Completes the request (destination, file, printer, copies, window title, printing user,

@@ -86,7 +86,7 @@ void RepAdmMovUser::Imprimir() {
     if (session::HuboError()) return;
 
     Paso("llenar la tabla de trabajo " + tabla + " con la bitácora");
-    Ejecutar(SqlLlenado(tabla, condiciones));
+    Llena(SqlLlenado(tabla, condiciones));
 
     PasaGenerales({
         {"Titulo", usuario.empty()

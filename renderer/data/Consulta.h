@@ -86,11 +86,12 @@ std::string resolverTabla(std::string_view nombre, const std::map<std::string, s
 
 struct Opciones {
     std::size_t filasPorBloque = 20000;  // rows per block over ODBC
-    // Rows per block when the first sort field leads no index: each block then
-    // makes the server sort the whole selection, so blocks are fewer and larger.
+    // Rows per block when no index serves the order: each block then makes the
+    // server sort the whole selection, so blocks are fewer and larger.
     std::size_t filasPorBloqueSinIndice = 200000;
-    // When the first sort field leads no index, sort what follows the first block once into
-    // a temporary table on the server (falls back to filasPorBloqueSinIndice if refused).
+    // When no index serves the order (the server's plan sorts), sort what follows the first
+    // block once into a temporary table on the server (falls back to filasPorBloqueSinIndice
+    // if refused).
     bool ordenEnTablaTemporal = true;
     // Read the next block on a second connection while the current one is consumed.
     bool leerAdelantado = true;

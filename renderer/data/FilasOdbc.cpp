@@ -1,9 +1,9 @@
 // Rows from MariaDB through unixODBC, read in keyset-paged blocks: the driver holds a whole
 // result in memory, so a block is at most Opciones::filasPorBloque rows and the next one starts
 // after the last row's sort keys (the table's unique key ends them). The next block runs on a
-// second connection while the current one is consumed. When no index leads the order, the rest
-// of the selection after the first block is sorted once into a temporary table and read by row
-// number.
+// second connection while the current one is consumed. When no index serves the order (the
+// server's plan sorts), the rest of the selection after the first block is sorted once into a
+// temporary table and read by row number.
 #include <sql.h>
 #include <sqlext.h>
 
@@ -247,7 +247,10 @@ class FilasOdbc : public Filas {
   private:
     // Runs a statement and returns its rows as text (for the key look-up).
     std::vector<std::vector<std::string>> consultar(const std::string& sql) {
-        Manejador st(SQL_HANDLE_STMT, dbc_.get(), "consultar la base de datos");
+        return consultar(dbc_, sql);
+    }
+    std::vector<std::vector<std::string>> consultar(const Manejador& dbc, const std::string& sql) {
+        Manejador st(SQL_HANDLE_STMT, dbc.get(), "consultar la base de datos");
         registrarSql(sql);
         std::string s = sql;
         if (!SQL_SUCCEEDED(SQLExecDirect(st.get(), reinterpret_cast<SQLCHAR*>(s.data()),
@@ -336,22 +339,31 @@ class FilasOdbc : public Filas {
         return r;
     }
 
-    // Whether the server can read a column in order from an index (it leads one).
-    bool encabezaIndice(const RefCampo& c) {
-        return catalogoTiene("STATISTICS", c, "SEQ_IN_INDEX = 1");
+    // Whether the server sorts the selection to give the order of the blocks: no index serves
+    // the whole order (sort fields, then the unique keys), as the server's plan for the second
+    // block tells (the first one, from the start, is often sorted even when an index serves
+    // the order). Each later block would then sort the rest of the selection again.
+    bool ordenaElServidor(const Manejador& dbc) {
+        std::vector<std::vector<std::string>> plan;
+        try {
+            plan = consultar(dbc, "EXPLAIN " + textoBloque());
+        } catch (const ErrorDatos&) {
+            return false;  // the block itself will say what is wrong
+        }
+        for (const auto& paso : plan) {
+            if (paso.empty()) continue;
+            const std::string& extra = paso.back();
+            if (extra.find("filesort") != std::string::npos ||
+                extra.find("temporary") != std::string::npos)
+                return true;
+        }
+        return false;
     }
 
     bool esFloat(const RefCampo& c) { return catalogoTiene("COLUMNS", c, "DATA_TYPE = 'float'"); }
 
     void armarClaves() {
-        // Without an index for the first sort field every block costs the server a sort of
-        // the whole selection. The first block stays small (the server keeps only its rows
-        // while it sorts: the first page comes soon); the rest is sorted once into a table
-        // (materializar) or, where that is not allowed, read in fewer, larger blocks.
         bloque_ = std::max<std::size_t>(1, opciones_.filasPorBloque);
-        sinIndice_ = !orden_.empty() && !encabezaIndice(orden_.front().campo);
-        if (sinIndice_ && !opciones_.ordenEnTablaTemporal)
-            bloque_ = std::max(bloque_, opciones_.filasPorBloqueSinIndice);
         columnasSql_ = columnas_;
         for (const auto& o : orden_) {
             int columna = agregarColumna(columnasSql_, o.campo);
@@ -374,6 +386,12 @@ class FilasOdbc : public Filas {
             if (k.empty()) paginado_ = false;
             for (const auto& c : k) {
                 RefCampo rc{t.nombre, c};
+                // A column already sorted on orders nothing more.
+                if (std::any_of(claves_.begin(), claves_.end(), [&](const Clave& x) {
+                        return mismoNombre(x.campo.tabla, rc.tabla) &&
+                               mismoNombre(x.campo.campo, rc.campo);
+                    }))
+                    continue;
                 claves_.push_back({rc, false, agregarColumna(columnasSql_, rc),
                                    formula::columnaSql(rc, Dialecto::MariaDB)});
             }
@@ -446,14 +464,20 @@ class FilasOdbc : public Filas {
 
     // The statement of the next block: after the last keys read, in key order.
     std::string sqlBloque() {
-        std::string sql = base_;
-        std::string where = donde_;
         if (paginado_ && !ultimos_.empty()) {
             // A block that ends on the keys it started after would be read forever.
             if (ultimos_ == inicioBloque_)
                 throw ErrorDatos("leer los datos del reporte",
                                  "la lectura por bloques no avanza (claves repetidas)");
             inicioBloque_ = ultimos_;
+        }
+        return textoBloque();
+    }
+
+    std::string textoBloque() const {
+        std::string sql = base_;
+        std::string where = donde_;
+        if (paginado_ && !ultimos_.empty()) {
             const std::string k = despuesDe(0);
             where = where.empty() ? k : "(" + where + ") AND " + k;
         }
@@ -472,10 +496,23 @@ class FilasOdbc : public Filas {
                !(sinIndice_ && opciones_.ordenEnTablaTemporal);
     }
 
+    // Once the first block is read: whether the server sorts for the blocks that follow. If it
+    // does, the rest is sorted once into a table (materializar) or, where that is not allowed,
+    // read in fewer, larger blocks. The first block stays small either way (the server keeps
+    // only its rows while it sorts: the first page comes soon). `dbc` must be free.
+    void decidirOrden(const Manejador& dbc) {
+        if (ordenDecidido_) return;
+        ordenDecidido_ = true;
+        sinIndice_ = ordenaElServidor(dbc);
+        if (sinIndice_ && !opciones_.ordenEnTablaTemporal)
+            bloque_ = std::max(bloque_, opciones_.filasPorBloqueSinIndice);
+    }
+
     void abrirBloque() {
-        if (sinIndice_ && paginado_ && !materializado_ && !ultimos_.empty() &&
-            opciones_.ordenEnTablaTemporal)
-            materializar();
+        if (paginado_ && !ultimos_.empty() && !adelantado_.valid()) {
+            decidirOrden(dbc_);
+            if (sinIndice_ && !materializado_ && opciones_.ordenEnTablaTemporal) materializar();
+        }
         if (adelantado_.valid()) {
             stmt_ = adelantado_.get();
             enSegunda_ = !enSegunda_;
@@ -521,9 +558,17 @@ class FilasOdbc : public Filas {
         if (!SQL_SUCCEEDED(r)) fallarOdbc(*stmt_, "leer los datos del reporte", sql_.back());
         guardarClavesEnlazadas(lote_ - 1);
         if (!conectado2_) conectar(dbc2_, connect_);
+        const Manejador* otra = enSegunda_ ? &dbc_ : &dbc2_;
+        decidirOrden(*otra);
+        if (!adelantable()) {
+            // The rest goes through a sorted table, on this connection, after this block.
+            if (!SQL_SUCCEEDED(SQLFetchScroll(stmt_->get(), SQL_FETCH_FIRST, 0)))
+                fallarOdbc(*stmt_, "leer los datos del reporte", sql_.back());
+            posLote_ = 0;
+            return;
+        }
         const std::string sql = sqlBloque();
         registrarSql(sql);
-        const Manejador* otra = enSegunda_ ? &dbc_ : &dbc2_;
         adelantado_ =
             std::async(std::launch::async, [otra, sql] { return ejecutar(*otra, sql, true); });
         // The first rowset is read from the buffers, then SQLFetch goes on from there.
@@ -617,7 +662,8 @@ class FilasOdbc : public Filas {
     std::vector<std::pair<bool, std::string>> ultimos_;       // last row's keys: (null, literal)
     std::vector<std::pair<bool, std::string>> inicioBloque_;  // keys the current block follows
     bool paginado_ = false;
-    bool sinIndice_ = false;      // the first sort field leads no index
+    bool sinIndice_ = false;      // no index serves the order: the server sorts
+    bool ordenDecidido_ = false;  // sinIndice_ is known (after the first block)
     bool materializado_ = false;  // the rest was sorted into kTablaOrden (or refused)
     static constexpr const char* kTablaOrden = "tz_orden";
     bool terminado_ = false;

@@ -287,13 +287,15 @@ Pagina ListaPaginas::Lee(int indice, Medidor& medidor, const std::string* totalP
 }
 
 void ListaPaginas::Reproduce(const Documento& documento, Medidor& medidor,
-                             const std::vector<Escritor*>& escritores) {
+                             const std::vector<Escritor*>& escritores,
+                             const std::function<void(int)>& escrita) {
     Documento doc = documento;
     doc.totalPaginas = Total();
     for (Escritor* e : escritores) e->Inicia(doc);
     for (int i = 0; i < Total(); ++i) {
         Pagina p = Lee(i, medidor);
         for (Escritor* e : escritores) e->Pagina(p);
+        if (escrita) escrita(i + 1);
     }
     for (Escritor* e : escritores) e->Termina();
 }

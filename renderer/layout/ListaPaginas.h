@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <functional>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -41,9 +42,11 @@ class ListaPaginas {
     // given, stands for the total while the layout is still running (an early preview).
     Pagina Lee(int indice, Medidor& medidor, const std::string* totalProvisional = nullptr);
 
-    // Hands every page, in order, to each writer: Inicia, Pagina..., Termina.
+    // Hands every page, in order, to each writer: Inicia, Pagina..., Termina. `escrita`, when
+    // set, is told the number of pages written so far after each page.
     void Reproduce(const Documento& documento, Medidor& medidor,
-                   const std::vector<Escritor*>& escritores);
+                   const std::vector<Escritor*>& escritores,
+                   const std::function<void(int)>& escrita = {});
 
   private:
     void Escribe(const void* datos, std::size_t n);

@@ -7,6 +7,7 @@
 
 #include "Entorno.h"
 #include "data/TablasTrabajo.h"
+#include "host/Interaccion.h"
 #include "renderer/TiposArchivo.h"
 #include "toolkit/MyODBCs.h"
 
@@ -72,7 +73,18 @@ class Ejecutor : public ConAlmacen {
 
 TEST_F(Ejecutor, RendersAFilledWorkTableThroughTheDataSourceItWrote) {
     opcionesEjecucion().bitacoraSolicitudes = (tmp / "solicitudes.jsonl").string();
-    EjecutaReporte(local);
+    auto sink = std::make_shared<host::InteraccionGrabada>();
+    {
+        host::InteraccionTemporal instalada(sink);
+        EjecutaReporte(local);
+    }
+    // The progress bar: reading, then writing, then hidden.
+    ASSERT_GE(sink->progresos.size(), 3u);
+    EXPECT_EQ(sink->progresos.front(), std::make_pair(-1, std::string("Leyendo datos...")));
+    EXPECT_EQ(sink->progresos.back(), std::make_pair(0, std::string()));
+    const auto& escrito = sink->progresos[sink->progresos.size() - 2];
+    EXPECT_EQ(escrito.first, 100);
+    EXPECT_EQ(escrito.second.rfind("Escribiendo: página 1 de 1", 0), 0u) << escrito.second;
 
     const std::string txt = Lee(tmp / "salida.txt");
     EXPECT_NE(txt.find("Movimientos de enero"), std::string::npos) << txt;
@@ -261,3 +273,45 @@ TEST_F(Ejecutor, FormatEntryUsesPrinterOrPreview) {
 
 }  // namespace
 }  // namespace paratzorep::output::prueba
+
+namespace paratzorep::output::detail {
+namespace {
+
+struct CasoAvance {
+    const char* nombre;
+    renderer::AvanceMotor avance;
+    int porcentaje;
+    const char* texto;
+};
+
+class TextosDeAvance : public ::testing::TestWithParam<CasoAvance> {};
+
+TEST_P(TextosDeAvance, PorcentajeYTexto) {
+    const auto [porcentaje, texto] = TextoAvance(GetParam().avance);
+    EXPECT_EQ(porcentaje, GetParam().porcentaje);
+    EXPECT_EQ(texto, GetParam().texto);
+}
+
+using Fase = renderer::AvanceMotor::Fase;
+INSTANTIATE_TEST_SUITE_P(
+    Fases, TextosDeAvance,
+    ::testing::Values(
+        CasoAvance{"AlEmpezar", {Fase::Leyendo, 0, 0, 0, 0.0}, -1, "Leyendo datos..."},
+        CasoAvance{"LeyendoConRitmo",
+                   {Fase::Leyendo, 1234567, 24000, 0, 2.0},
+                   -1,
+                   "Leyendo datos: 1,234,567 filas, 24,000 páginas (617,283 filas/s)"},
+        CasoAvance{"UnaFilaSinRitmoAun",
+                   {Fase::Leyendo, 1, 1, 0, 0.1},
+                   -1,
+                   "Leyendo datos: 1 fila, 1 página"},
+        CasoAvance{"Escribiendo",
+                   {Fase::Escribiendo, 200000, 3893, 1200, 0.5},
+                   30,
+                   "Escribiendo: página 1,200 de 3,893 (2,400 páginas/s)"},
+        CasoAvance{
+            "SinPaginas", {Fase::Escribiendo, 0, 0, 0, 0.0}, 0, "Escribiendo: página 0 de 0"}),
+    [](const auto& i) { return std::string(i.param.nombre); });
+
+}  // namespace
+}  // namespace paratzorep::output::detail

@@ -129,6 +129,68 @@ TEST_F(MotorTest, ArchivoDeTextoConFormulasParametrosYSeleccion) {
               consulta_.campos.end());
 }
 
+// A cursor that also answers by position, as the data layer's does: the layout then reads
+// each row's fields by position, with the same result.
+class CursorConPosiciones : public CursorPrueba {
+  public:
+    CursorConPosiciones(std::vector<std::pair<int, std::string>> filas, int& pedidos)
+        : CursorPrueba(std::move(filas)), pedidos_(pedidos) {}
+    int Posicion(std::string_view, std::string_view campo) const override {
+        return campo == "Id" ? 0 : (campo == "Accion" ? 1 : -1);
+    }
+    const Valor& EnPosicion(int posicion) const override {
+        ++pedidos_;
+        valor_ = Campo("", posicion == 0 ? "Id" : "Accion");
+        return valor_;
+    }
+
+  private:
+    int& pedidos_;
+    mutable Valor valor_;
+};
+
+TEST_F(MotorTest, CamposPorPosicionDanLoMismoQuePorNombre) {
+    const std::string porNombre = AArchivo("nombre.txt");
+    motor_.Action(1);
+    int pedidos = 0;
+    motor_.Datos([&](const ConsultaReporte&) {
+        return DatosAbiertos{std::make_unique<CursorConPosiciones>(filas_, pedidos), false};
+    });
+    const std::string porPosicion = AArchivo("posicion.txt");
+    motor_.Action(1);
+    EXPECT_EQ(Lee(porPosicion), Lee(porNombre));
+    EXPECT_GE(pedidos, static_cast<int>(filas_.size()));
+}
+
+// Progress while the rows are read and the pages written: told at each end of a phase and in
+// between only when the clock is looked at (every 256 rows, at each page), never per row.
+TEST_F(MotorTest, AvanceDeLecturaYEscritura) {
+    filas_.clear();
+    for (int i = 1; i <= 3000; ++i) filas_.push_back({i, "Fila " + std::to_string(i)});
+    AArchivo("largo.txt");
+    std::vector<AvanceMotor> avisos;
+    motor_.Avance([&](const AvanceMotor& a) { avisos.push_back(a); }, 0);
+    motor_.Action(1);
+    const int paginas = motor_.Resultado().paginas;
+    ASSERT_GT(paginas, 1);
+    std::vector<AvanceMotor> leyendo, escribiendo;
+    for (const auto& a : avisos)
+        (a.fase == AvanceMotor::Fase::Leyendo ? leyendo : escribiendo).push_back(a);
+    ASSERT_GE(leyendo.size(), 2u);
+    ASSERT_GE(escribiendo.size(), 2u);
+    EXPECT_EQ(leyendo.front().filas, 0);
+    EXPECT_EQ(leyendo.back().filas, 3000);
+    EXPECT_EQ(leyendo.back().paginas, paginas);
+    EXPECT_LE(leyendo.size(), 3000u / 256 + static_cast<unsigned>(paginas) + 3);
+    for (std::size_t i = 1; i < leyendo.size(); ++i) {
+        EXPECT_GE(leyendo[i].filas, leyendo[i - 1].filas);
+        EXPECT_GE(leyendo[i].paginas, leyendo[i - 1].paginas);
+    }
+    EXPECT_EQ(escribiendo.front().escritas, 0);
+    EXPECT_EQ(escribiendo.back().escritas, paginas);
+    for (const auto& a : escribiendo) EXPECT_EQ(a.paginas, paginas);
+}
+
 TEST_F(MotorTest, FormulaDesconocidaEsUnErrorClaro) {
     AArchivo("x.txt");
     motor_.Formulas(0, "TITULO='x'");

@@ -45,7 +45,7 @@ class FormaPrueba : public FormaReporte {
         tabla = ClonaTabla(modelo, false);
         if (session::HuboError()) return;
         Paso("llenar la tabla de trabajo");
-        Ejecutar("INSERT INTO " + tabla + " SELECT * FROM movs WHERE Fecha>='" + FechaSQL(0) + "'");
+        Llena("INSERT INTO " + tabla + " SELECT * FROM movs WHERE Fecha>='" + FechaSQL(0) + "'");
         llenada = true;
         session::solicitud().Plantilla = "prueba.rpt";
         session::solicitud().MapeaTabla("movs", tabla);
@@ -132,6 +132,12 @@ TEST_F(MarcoTest, ImprimeYBorraLaTablaDeTrabajo) {
     EXPECT_EQ(sol.UsuarioImpresion, "PRUEBA");
     EXPECT_EQ(sol.Destino, 0);
     EXPECT_TRUE(sink->mensajes.empty());
+    // The fill said what it was doing and how many rows went in; the bar is hidden at the end.
+    ASSERT_EQ(sink->progresos.size(), 3u);
+    EXPECT_EQ(sink->progresos[0],
+              std::make_pair(-1, std::string("Llenando la tabla de trabajo...")));
+    EXPECT_EQ(sink->progresos[1].second.rfind("Tabla de trabajo: 3 filas", 0), 0u);
+    EXPECT_EQ(sink->progresos[2], std::make_pair(0, std::string()));
 }
 
 TEST_F(MarcoTest, GuardiaDeFechaConLaFechaDelServidor) {

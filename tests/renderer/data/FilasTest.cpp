@@ -146,11 +146,14 @@ TEST_F(FilasOdbc, PaginasConservanOrdenYFilas) {
     }
 }
 
-// An order that no index leads: a small first block, then the rest sorted once into a
+// An order that no index serves: a small first block, then the rest sorted once into a
 // temporary table and read by its row number; or, when that is not wanted, larger blocks.
 TEST_F(FilasOdbc, OrdenSinIndiceSeOrdenaUnaVez) {
     const Opciones o = bloques(2, 500);
-    auto conIndice = abrirOdbc(cs, consulta("", {"-{edoctacli.Id}"}), o);
+    DescripcionConsulta sola = consulta("", {"-{edoctacli.Id}"});
+    sola.tablas.resize(1);
+    sola.uniones.clear();
+    auto conIndice = abrirOdbc(cs, sola, o);
     EXPECT_EQ(ids(*conIndice), (std::vector<int>{8, 7, 6, 5, 4, 3, 2, 1}));
     EXPECT_NE(conIndice->sqlEnviado().back().find(" LIMIT 2"), std::string::npos);
     for (const auto& sql : conIndice->sqlEnviado())
@@ -182,6 +185,42 @@ TEST_F(FilasOdbc, OrdenSinIndiceSeOrdenaUnaVez) {
         auto grandes = abrirOdbc(cs, consulta("{edoctacli.Id}<>3", {orden}), sinTabla);
         EXPECT_EQ(ids(*grandes, orden), esperado);
         EXPECT_NE(grandes->sqlEnviado().back().find(" LIMIT 500"), std::string::npos);
+    }
+}
+
+// Whether the rest is sorted once into a table follows the server's plan for the blocks after
+// the first: an index that leads the order serves it only when it goes on to the unique key
+// (InnoDB's indexes end with the primary key by themselves, Aria's do not); a join whose order
+// takes in the other table's key is sorted whatever its indexes.
+TEST_F(FilasOdbc, TablaTemporalSoloCuandoElServidorOrdenaCadaBloque) {
+    const struct {
+        const char* nombre;
+        const char* definicion;
+        bool temporal;
+    } casos[] = {
+        {"innodb_indice", "Grupo INT, KEY Grupo (Grupo)) ENGINE=InnoDB", false},
+        {"aria_indice", "Grupo INT, KEY Grupo (Grupo)) ENGINE=Aria", true},
+        {"aria_indice_con_id", "Grupo INT, KEY Grupo (Grupo, Id)) ENGINE=Aria", false},
+        {"sin_indice", "Grupo INT) ENGINE=InnoDB", true},
+    };
+    for (const auto& c : casos) {
+        SCOPED_TRACE(c.nombre);
+        bd.ejecutar(std::string("CREATE TABLE ") + c.nombre + " (Id INT PRIMARY KEY, " +
+                    c.definicion + ";INSERT INTO " + c.nombre +
+                    " SELECT seq, (seq * 7919) % 37 FROM seq_1_to_4000");
+        DescripcionConsulta d;
+        d.tablas = {{"edoctacli", c.nombre}};
+        d.columnas = {{"edoctacli", "Id"}};
+        d.orden = {"+{edoctacli.Grupo}"};
+        auto f = abrirOdbc(cs, d, bloques(500, 500));
+        std::vector<int> leidos = ids(*f, "+{edoctacli.Grupo}");
+        ASSERT_EQ(leidos.size(), 4000u);
+        std::sort(leidos.begin(), leidos.end());
+        EXPECT_EQ(std::adjacent_find(leidos.begin(), leidos.end()), leidos.end());
+        bool temporal = false;
+        for (const auto& sql : f->sqlEnviado())
+            temporal = temporal || sql.rfind("CREATE TEMPORARY TABLE tz_orden", 0) == 0;
+        EXPECT_EQ(temporal, c.temporal);
     }
 }
 
