@@ -9,6 +9,7 @@
 //       the warehouse history (historicoalmacen) of a demo company, read through the
 //       renderer's data path (ODBC, keyset blocks, selection pushed down) with the
 //       Connect string; ODBCINI must name a file with the data source (see demo.sh).
+//   SOLO_PRIMERA=1 stops at the first preview page (its time is what is printed).
 #include <sys/resource.h>
 
 #include <chrono>
@@ -258,6 +259,12 @@ int main(int argc, char** argv) {
             png.Pagina(lista.Lee(0, medidor, &pendiente));
             png.Termina();
             primera = Segundos(t0);
+            // SOLO_PRIMERA=1: the time to the first preview page, and nothing more.
+            if (const char* solo = std::getenv("SOLO_PRIMERA"); solo && *solo == '1') {
+                std::printf("primera página de la vista previa: %.3f s\n", primera);
+                std::fflush(stdout);
+                std::_Exit(0);
+            }
         });
         auto r = m.Maqueta(*datos, lista);
         double maquetado = Segundos(t0);
