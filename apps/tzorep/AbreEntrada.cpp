@@ -59,7 +59,7 @@ void MenuCli::ShowForm(std::int16_t, std::shared_ptr<host::Formulario>& forma) {
 host::Respuesta InteraccionCli::Mensaje(const std::string& titulo, const std::string& texto,
                                         host::Icono icono, host::Botones botones) {
     ++mensajes;
-    return InteraccionConsola::Mensaje(titulo, texto, icono, botones);
+    return InteraccionTerminal::Mensaje(titulo, texto, icono, botones);
 }
 
 bool InteraccionCli::Dialogo(host::Formulario& forma) {

@@ -13,6 +13,7 @@
 
 #include "apps/tzorep/Arranque.h"
 #include "apps/tzorep/Commands.h"
+#include "apps/tzorep/ProgresoTerminal.h"
 #include "host/Formulario.h"
 #include "host/Interaccion.h"
 #include "host/Menu.h"
@@ -46,9 +47,10 @@ struct RespuestaArchivo {
     std::string nombre;   // without extension
 };
 
-// Messages to stderr as "Titulo: texto"; the export dialog answered from `archivo` (refused
-// when none is given or the dialog does not list the type).
-class InteraccionCli : public host::InteraccionConsola {
+// Messages to stderr as "Titulo: texto", progress on the terminal's line (none when stderr is
+// not a terminal); the export dialog answered from `archivo` (refused when none is given or
+// the dialog does not list the type).
+class InteraccionCli : public InteraccionTerminal {
   public:
     host::Respuesta Mensaje(const std::string& titulo, const std::string& texto, host::Icono icono,
                             host::Botones botones) override;

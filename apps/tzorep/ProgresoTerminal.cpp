@@ -44,9 +44,13 @@ void LineaDeProgreso::muestra(int porcentaje, std::string_view texto, Reloj::tim
     ultimo_ = ahora;
     ultimoPorcentaje_ = porcentaje;
     // The time right after the percentage, so that a long text loses only its end.
+    // A share not known (-1: rows read so far) leaves the percentage blank.
     char cifras[48];
-    std::snprintf(cifras, sizeof cifras, "%3d %% %4.0f s  ", porcentaje < 0 ? 0 : porcentaje,
-                  std::chrono::duration<double>(ahora - inicio_).count());
+    const double segundos = std::chrono::duration<double>(ahora - inicio_).count();
+    if (porcentaje < 0)
+        std::snprintf(cifras, sizeof cifras, "      %4.0f s  ", segundos);
+    else
+        std::snprintf(cifras, sizeof cifras, "%3d %% %4.0f s  ", porcentaje, segundos);
     std::string linea = cifras;
     linea += texto;
     // One column short of the width, so that the terminal never wraps the line.

@@ -12,9 +12,10 @@
 
 namespace paratzorep::cli {
 
-// Draws " 42 %   12 s  texto" on one line, in place, cut to the terminal's width; the time
-// counts from the first line drawn. While the percentage stays the same, the line is redrawn
-// at most ten times a second. Inactive, it writes nothing.
+// Draws " 42 %   12 s  texto" on one line, in place, cut to the terminal's width (the
+// percentage blank when it is -1, not known); the time counts from the first line drawn. While the
+// percentage stays the same, the line is redrawn at most ten times a second. Inactive, it writes
+// nothing.
 class LineaDeProgreso {
   public:
     using Reloj = std::chrono::steady_clock;

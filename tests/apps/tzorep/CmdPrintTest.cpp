@@ -160,6 +160,26 @@ TEST_F(CmdPrint, PrintingFailureKeepsThePdf) {
     EXPECT_EQ(TablasDeTrabajo(), 0);
 }
 
+// Progress goes to stderr on a terminal only: under a pseudo-terminal (script) the line shows
+// the fill, the reading and the pages written, redrawn in place; piped, stderr stays empty.
+TEST_F(CmdPrint, ProgresoEnLaTerminalYSilencioSinElla) {
+    const std::string salida = (tmp / "log.csv").string();
+    auto r = Imprime({"--to", "file", "--type", "csv", "--out", salida});
+    ASSERT_EQ(r.estado, 0) << r.errores;
+    EXPECT_EQ(r.errores, "");
+
+    std::string orden = std::string(TZOREP_EXE) + " --home " + tmp.ruta().string() +
+                        " print BitacoraUsuarios --to file --type pdf --out " +
+                        (tmp / "log.pdf").string();
+    r = pruebas::ejecutarPrograma("/usr/bin/script", {"-qec", orden, "/dev/null"});
+    ASSERT_EQ(r.estado, 0) << r.salida << r.errores;
+    for (const char* parte :
+         {"\r\033[K", "Llenando la tabla de trabajo", "Leyendo datos", "Escribiendo: página "})
+        EXPECT_TRUE(Contiene(r.salida, parte)) << parte << " en " << r.salida;
+    // The line is cleared before the file's name is printed.
+    EXPECT_TRUE(Contiene(r.salida, "\r\033[K" + (tmp / "log.pdf").string())) << r.salida;
+}
+
 // Every file type, read back by a reader that shares no code with the writers. Each must hold
 // the decoded users, the composed action, the row of a structure with no text, and none of
 // September's rows.

@@ -31,6 +31,8 @@ TEST(LineaDeProgreso, DibujaEnSuLugarSinRepetirseDeMasYSeBorraUnaVez) {
         // Cut to 39 characters of a 40-column terminal, "á" counting as one.
         {2600, 100, "Catálogos, líneas, márgenes y sucursales",
          std::string(kBorra) + "100 %    3 s  Catálogos, líneas, márgen"},
+        {2650, -1, "Leyendo datos: 1,024 filas",
+         std::string(kBorra) + "         3 s  Leyendo datos: 1,024 fila"},
         {2700, 0, nullptr, kBorra},
         {2800, 0, nullptr, ""},
     };
