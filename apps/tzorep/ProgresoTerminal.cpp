@@ -28,6 +28,13 @@ std::string_view corta(std::string_view texto, int maximo) {
     return texto;
 }
 
+// The stage a progress text names: its words up to the first colon, dot or figure
+// ("Leyendo datos: 1,024 filas" and "Leyendo datos..." are the same stage).
+std::string_view etapa(std::string_view texto) {
+    const auto fin = texto.find_first_of(":.0123456789");
+    return texto.substr(0, fin == std::string_view::npos ? texto.size() : fin);
+}
+
 }  // namespace
 
 LineaDeProgreso::LineaDeProgreso(std::ostream& salida, bool activa, int columnas)
@@ -38,11 +45,13 @@ void LineaDeProgreso::muestra(int porcentaje, std::string_view texto, Reloj::tim
     if (!empezada_) {
         empezada_ = true;
         inicio_ = ahora;
-    } else if (visible_ && porcentaje == ultimoPorcentaje_ && ahora - ultimo_ < kPausa) {
+    } else if (visible_ && porcentaje == ultimoPorcentaje_ && etapa(texto) == ultimaEtapa_ &&
+               ahora - ultimo_ < kPausa) {
         return;
     }
     ultimo_ = ahora;
     ultimoPorcentaje_ = porcentaje;
+    ultimaEtapa_ = etapa(texto);
     // The time right after the percentage, so that a long text loses only its end.
     // A share not known (-1: rows read so far) leaves the percentage blank.
     char cifras[48];

@@ -14,8 +14,8 @@ namespace paratzorep::cli {
 
 // Draws " 42 %   12 s  texto" on one line, in place, cut to the terminal's width (the
 // percentage blank when it is -1, not known); the time counts from the first line drawn. While the
-// percentage stays the same, the line is redrawn at most ten times a second. Inactive, it writes
-// nothing.
+// percentage and the stage (the text's words before its figures) stay the same, the line is
+// redrawn at most ten times a second; a new stage is always drawn. Inactive, it writes nothing.
 class LineaDeProgreso {
   public:
     using Reloj = std::chrono::steady_clock;
@@ -40,6 +40,7 @@ class LineaDeProgreso {
     int columnas_;
     bool visible_ = false, empezada_ = false;
     int ultimoPorcentaje_ = -1;
+    std::string ultimaEtapa_;
     Reloj::time_point inicio_, ultimo_;
 };
 

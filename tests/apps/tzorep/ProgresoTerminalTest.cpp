@@ -1,5 +1,5 @@
 // The progress line of the terminal: drawn in place, cut to the width, not redrawn more than
-// ten times a second at the same percentage, cleared once; inactive, silent.
+// ten times a second at the same percentage and stage, cleared once; inactive, silent.
 #include "apps/tzorep/ProgresoTerminal.h"
 
 #include <gtest/gtest.h>
@@ -23,7 +23,9 @@ struct Paso {
 TEST(LineaDeProgreso, DibujaEnSuLugarSinRepetirseDeMasYSeBorraUnaVez) {
     const std::vector<Paso> pasos = {
         {0, 5, "Catálogos", std::string(kBorra) + "  5 %    0 s  Catálogos"},
-        {50, 5, "Movimientos de 2025-01", ""},  // same percentage within 100 ms
+        {40, 5, "Catálogos: líneas", ""},  // same percentage and stage within 100 ms
+        {50, 5, "Movimientos de 2025-01",  // a new stage is drawn at once
+         std::string(kBorra) + "  5 %    0 s  Movimientos de 2025-01"},
         {60, 6, "Movimientos de 2025-01",
          std::string(kBorra) + "  6 %    0 s  Movimientos de 2025-01"},
         {2400, 6, "Movimientos de 2025-02",
