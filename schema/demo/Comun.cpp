@@ -171,6 +171,22 @@ void Escritores::termina() {
     if (error_) std::rethrow_exception(error_);
 }
 
+// Batches of one table land side by side on several connections, and InnoDB may pick one of
+// them as the victim of a deadlock (or let it wait too long for a lock). The statement is then
+// undone whole, so it runs again.
+void Escritores::ejecuta(Conexion& c, const std::string& sql) {
+    for (int intento = 1;; ++intento) {
+        try {
+            c.ejecutar(sql);
+            return;
+        } catch (const ErrorEsquema& e) {
+            const bool reintenta = e.codigo() == kInterbloqueo || e.codigo() == kEsperaDeBloqueo;
+            if (!reintenta || intento == kIntentos) throw;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(20 * intento));
+    }
+}
+
 void Escritores::trabaja(Conexion& c) {
     for (;;) {
         Sentencia s;
@@ -188,7 +204,7 @@ void Escritores::trabaja(Conexion& c) {
         }
         std::exception_ptr e;
         try {
-            c.ejecutar(s.sql);
+            ejecuta(c, s.sql);
             escritas_.fetch_add(s.filas, std::memory_order_relaxed);
         } catch (...) {
             e = std::current_exception();

@@ -145,10 +145,17 @@ class Escritores {
         long long filas = 0;
     };
 
+    // The server's "deadlock found" and "lock wait timeout exceeded", and the tries a statement
+    // gets when they are its failure.
+    static constexpr unsigned kInterbloqueo = 1213, kEsperaDeBloqueo = 1205;
+    static constexpr int kIntentos = 5;
+
     // Waits under `l` until `listo` holds or a writer failed, calling `avance_`
     // (unlocked) while it waits.
     template <typename Pred>
     void espera(std::unique_lock<std::mutex>& l, Pred listo);
+    // Runs one statement, again when the server undid it for a deadlock or a lock wait.
+    static void ejecuta(Conexion& c, const std::string& sql);
     void trabaja(Conexion& c);
 
     std::function<void()> avance_;

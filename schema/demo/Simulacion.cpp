@@ -1,7 +1,6 @@
 #include "schema/demo/Simulacion.h"
 
 #include <algorithm>
-#include <cstdio>
 
 #include "host/Interaccion.h"
 
