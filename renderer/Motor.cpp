@@ -452,6 +452,7 @@ void Motor::Renderiza() {
             fabricasTabla_.at(tipo->codigo)(nombreArchivo_, titulo), maquetador.ColumnasDatos(),
             ImpresionHoja{d.anchoPagina, d.altoPagina, titulo});
         maquetador.AlRegistro([&tabla](const std::vector<Valor>& v) { tabla->Registro(v); });
+        lista.SoloCuenta();  // the pages only give their count
     }
     auto r = maquetador.Maqueta(fuente, lista);
     avisador.Pagina(r.paginas);

@@ -102,10 +102,10 @@ Clase claseOdbc(SQLSMALLINT t) {
     }
 }
 
-Valor convertir(Clase c, const std::string& s) {
+Valor convertir(Clase c, std::string s) {
     switch (c) {
         case Clase::Texto:
-            return Valor::texto(s);
+            return Valor::texto(std::move(s));
         case Clase::Numero:
             return Valor::numero(std::strtod(s.c_str(), nullptr));
         case Clase::Fecha: {

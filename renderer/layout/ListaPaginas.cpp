@@ -233,6 +233,10 @@ void ListaPaginas::Escribe(const void* datos, std::size_t n) {
 }
 
 void ListaPaginas::Agrega(const PaginaEnConstruccion& pagina) {
+    if (soloCuenta_) {
+        offsets_.push_back(tamano_);
+        return;
+    }
     if (leyendo_) {
         std::fseek(archivo_.get(), 0, SEEK_END);
         leyendo_ = false;
@@ -253,6 +257,7 @@ void ListaPaginas::Agrega(const PaginaEnConstruccion& pagina) {
 
 Pagina ListaPaginas::Lee(int indice, Medidor& medidor, const std::string* totalProvisional) {
     if (indice < 0 || indice >= Total()) throw std::out_of_range("página fuera de rango");
+    if (soloCuenta_) throw std::logic_error("las páginas de este reporte no se guardaron");
     if (!leyendo_) {
         if (std::fflush(archivo_.get()) != 0)
             throw ErrorEscritura("No se pudo escribir el archivo temporal de páginas", {},

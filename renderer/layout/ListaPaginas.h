@@ -34,6 +34,9 @@ class ListaPaginas {
     ListaPaginas& operator=(const ListaPaginas&) = delete;
 
     void Agrega(const PaginaEnConstruccion& pagina);
+    // From here on pages are counted, not kept: for an output that takes the report's records
+    // rather than its pages (a table), nothing is written to disk; Lee then fails.
+    void SoloCuenta() { soloCuenta_ = true; }
     int Total() const { return static_cast<int>(offsets_.size()); }
     std::uint64_t Bytes() const { return tamano_; }
 
@@ -62,6 +65,7 @@ class ListaPaginas {
     std::vector<char> bufer_;
     std::uint64_t tamano_ = 0;
     bool leyendo_ = false;
+    bool soloCuenta_ = false;
 };
 
 }  // namespace paratzorep::renderer
