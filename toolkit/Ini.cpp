@@ -193,8 +193,13 @@ void EscribeAtomico(const std::filesystem::path& archivo, const std::string& con
         throw std::runtime_error("No se pudo escribir el archivo " + archivo.string() + ": " +
                                  std::strerror(error));
     };
-    // mkstemp makes the file 0600; give ordinary files the usual permissions.
-    if (::fchmod(fd, modo != 0 ? modo : 0644) != 0) falla(errno);
+    // mkstemp makes the file 0600; a file that exists keeps its permissions (a settings file
+    // holding a password stays readable by its owner only), a new one gets the usual ones.
+    if (modo == 0) {
+        struct stat actual {};
+        modo = ::stat(archivo.c_str(), &actual) == 0 ? (actual.st_mode & 07777) : 0644;
+    }
+    if (::fchmod(fd, modo) != 0) falla(errno);
     const char* p = contenido.data();
     std::size_t resta = contenido.size();
     while (resta > 0) {

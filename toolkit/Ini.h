@@ -31,7 +31,7 @@ std::filesystem::path ArchivoRegistro();
 
 namespace detail {
 // Writes `contenido` to `archivo` through a temporary file and a rename; `modo` sets the
-// permissions of the new file (0 leaves the default).
+// permissions of the new file (0 keeps those of the file it replaces, 0644 for a new one).
 void EscribeAtomico(const std::filesystem::path& archivo, const std::string& contenido,
                     unsigned modo = 0);
 }  // namespace detail

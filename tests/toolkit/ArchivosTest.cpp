@@ -78,6 +78,20 @@ TEST(IniTest, BorraClaveYSeccion) {
     EXPECT_EQ(LeeIni("B", "z", archivo), "3");
 }
 
+TEST(IniTest, UnArchivoSoloDeSuDuenoSigueAsiAlEscribirlo) {
+    CarpetaTemporal tmp;
+    auto archivo = tmp / "kvtz5.ini";
+    EscribeIni("kvtz5", "SELpassword", "secreta", archivo);
+    struct stat st {};
+    ASSERT_EQ(::stat(archivo.c_str(), &st), 0);
+    EXPECT_EQ(st.st_mode & 0777, 0644u);  // a new file: the usual permissions
+    ::chmod(archivo.c_str(), 0600);
+    EscribeIni("RepAdmSALF", "Linea", "5", archivo);
+    BorraIni("RepAdmSALF", "", archivo);
+    ASSERT_EQ(::stat(archivo.c_str(), &st), 0);
+    EXPECT_EQ(st.st_mode & 0777, 0600u);
+}
+
 TEST(IniTest, CarpetaImposibleDaErrorClaro) {
     CarpetaTemporal tmp;
     Escribe(tmp / "soy-archivo", "x");
