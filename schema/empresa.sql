@@ -349,6 +349,20 @@ CREATE TABLE anexopagosctes (
     KEY FechaReal (FechaReal)
 ) ENGINE=InnoDB;
 
+-- Payments that other companies of the chain took for this company's documents and
+-- that the online-movements engine applied here from the central database: IdSEL is the
+-- payment's Id there (one row each, so a payment is never applied twice), ClaveEmpresa the
+-- company that took it, Folio and IdEdoCta the statement row written here.
+CREATE TABLE pagossel (
+    IdSEL INT NOT NULL,
+    ClaveEmpresa VARCHAR(15) NOT NULL DEFAULT '',
+    Folio INT NOT NULL DEFAULT 0,
+    IdEdoCta INT NOT NULL DEFAULT 0,
+    Fecha DATE NOT NULL DEFAULT '0000-00-00',
+    PRIMARY KEY (IdSEL),
+    KEY Folio (Folio)
+) ENGINE=InnoDB;
+
 -- Numbered receipts for customer payments (IdPago = edoctacli.Id).
 CREATE TABLE recibos (
     Id INT NOT NULL AUTO_INCREMENT,

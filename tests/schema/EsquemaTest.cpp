@@ -173,6 +173,7 @@ const std::vector<std::pair<const char*, const char*>> kColumnasEmpresa = {
     {"bitacorausuarios", "Id,Fecha,Hora,Usuario,Accion,Registro,Llave,Adicionales,Version,Equipo"},
     {"reportesbin", "Archivo,Renglon,Contenido"},
     {"anexoreportes", "ArchivoPadre,Archivo,DESCripcion"},
+    {"pagossel", "IdSEL,ClaveEmpresa,Folio,IdEdoCta,Fecha"},
 };
 
 const std::vector<std::pair<const char*, const char*>> kColumnasReportes = {

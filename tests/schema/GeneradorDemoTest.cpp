@@ -170,7 +170,7 @@ TEST(GeneradorDemo, CargaEsquemaYDemoCortaEnUnaBaseDePrueba) {
     cargarArchivo(bd.mysql(), carpetaEsquemas() / "empresa.sql");
     EXPECT_EQ(bd.valor("SELECT COUNT(*) FROM information_schema.TABLES WHERE TABLE_SCHEMA='" +
                        bd.nombre() + "'"),
-              "63");
+              "64");
     auto c = Conexion::abrir(pruebas::servidorDePrueba(), bd.nombre());
     OpcionesDemo op;
     op.baseEmpresa = bd.nombre();
@@ -265,6 +265,7 @@ monedas 3 2189192210527395251
 movcortes 761 443668267357001031463
 notascredito 165 96741931189235655197
 notascreditodetalle 165 98402437960881295709
+pagossel 0 0
 perdidas 156 91083599052182225144
 perdidasdetalle 302 169744330304994558553
 productos 292 175904468989441901672
@@ -329,6 +330,8 @@ TEST_F(DemoCompleta, CadaTablaTieneLasFilasDeSiempreYCoherentes) {
                                                  "WHERE TABLE_SCHEMA='" +
                                                  base + "'")) {
                 if (*t[0] == "reportesbin") continue;  // filled from the template sources
+                // Payments applied from a central database: the demo company works alone.
+                if (*t[0] == "pagossel") continue;
                 EXPECT_GT(cuenta("SELECT COUNT(*) FROM `" + base + "`.`" + *t[0] + "`"), 0)
                     << base << "." << *t[0];
             }
