@@ -31,6 +31,8 @@ constexpr const char* kUso =
     "  printers                            las impresoras a las que se puede enviar\n"
     "  templates list | import CARPETA | export CARPETA\n"
     "                                      las plantillas de los reportes\n"
+    "  movenlinea crear | clientes | aplicar | recalcular ID | saldo CLAVE\n"
+    "                                      los movimientos en línea con la base central\n"
     "  help [ORDEN]                        esta ayuda, o la de una orden\n"
     "\n"
     "ENTRADA es el nombre del reporte o su número en 'tzorep list' (BitacoraUsuarios o 6).\n"
@@ -157,6 +159,28 @@ const std::map<std::string, std::string>& Textos() {
          "  tzorep templates list\n"
          "  tzorep templates import templates\n"
          "  tzorep templates export /tmp/plantillas\n"},
+        {"movenlinea",
+         "Uso: tzorep [--home CARPETA] movenlinea crear | clientes | aplicar | recalcular ID |\n"
+         "                                        saldo CLAVE\n"
+         "\n"
+         "El motor de movimientos en línea: lleva los clientes, documentos y pagos de la empresa\n"
+         "a la base de datos central que comparten las empresas de la cadena, y aplica aquí los\n"
+         "pagos que otras empresas recibieron por documentos de esta.\n"
+         "  crear            prepara las tablas de la base central (y la base, si falta)\n"
+         "  clientes         copia a la base central los clientes que aún no tiene\n"
+         "  aplicar          aplica los pagos pendientes de la base central (cada uno una vez)\n"
+         "  recalcular ID    los saldos del estado de cuenta desde el movimiento ID\n"
+         "  saldo CLAVE      iguala saldoscli al saldo del cliente\n"
+         "\n"
+         "El servidor central está en kvtz5.ini ($XDG_CONFIG_HOME/kvtz5/, o ~/.config/kvtz5/),\n"
+         "sección [kvtz5]: BasesDD=1, SELservidor, SELpuerto, SELbaseDeDatos, SELusuario y\n"
+         "SELpassword (que solo su dueño pueda leer el archivo). La clave de la empresa es\n"
+         "ClaveEmpresa en la sección [Iniciales] de tzorep.ini.\n"
+         "\n"
+         "Ejemplos:\n"
+         "  tzorep movenlinea aplicar\n"
+         "  tzorep movenlinea recalcular 1520\n"
+         "  tzorep movenlinea saldo C00001\n"},
         {"help",
          "Uso: tzorep help [ORDEN]\n"
          "\n"
@@ -206,8 +230,8 @@ const char* UsoGeneral() {
 }
 
 const std::vector<std::string>& Ordenes() {
-    static const std::vector<std::string> ordenes = {"db",       "list",      "show", "print",
-                                                     "printers", "templates", "help"};
+    static const std::vector<std::string> ordenes = {"db",       "list",      "show",       "print",
+                                                     "printers", "templates", "movenlinea", "help"};
     return ordenes;
 }
 

@@ -29,5 +29,7 @@ int cmdPrint(const Contexto& ctx,
              const std::vector<std::string>& args);  // print ENTRY ... (CmdPrint.cpp)
 int cmdPrinters(const Contexto& ctx,
                 const std::vector<std::string>& args);  // printers (CmdPrinters.cpp)
+int cmdMovEnLinea(const Contexto& ctx,
+                  const std::vector<std::string>& args);  // movenlinea ... (CmdMovEnLinea.cpp)
 
 }  // namespace paratzorep::cli
