@@ -57,7 +57,8 @@ TEST(TzorepAyuda, VersionYAyudaDeCadaOrden) {
     EXPECT_EQ(r.estado, 0);
     EXPECT_TRUE(Contiene(r.salida, "printers")) << r.salida;
     // help ORDEN and ORDEN --help say the same: the options, what --set takes, examples.
-    for (const std::string orden : {"db", "list", "show", "print", "printers", "templates"}) {
+    for (const std::string orden :
+         {"db", "list", "show", "print", "printers", "templates", "movenlinea"}) {
         SCOPED_TRACE(orden);
         auto ayuda = ejecutarTzorep({"help", orden});
         auto opcion = ejecutarTzorep({orden, "--help"});

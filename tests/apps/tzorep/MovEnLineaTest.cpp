@@ -343,6 +343,7 @@ TEST(MovEnLineaCli, ErroresDeUsoSalenCon2) {
         auto r = pruebas::ejecutarTzorep(todo);
         EXPECT_EQ(r.estado, 2) << (args.empty() ? "" : args[0]) << "\n" << r.errores;
         EXPECT_TRUE(Contiene(r.errores, "Uso: tzorep [--home CARPETA] movenlinea")) << r.errores;
+        EXPECT_TRUE(r.salida.empty()) << r.salida;
     }
 }
 
