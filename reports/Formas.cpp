@@ -3,6 +3,8 @@
 #include <map>
 
 #include "reports/RepAdmMovUser.h"
+#include "reports/accounts/RepAdmSALF.h"
+#include "reports/accounts/RepAdmSALFp.h"
 
 namespace paratzorep::reports {
 
