@@ -3,6 +3,8 @@
 #include <map>
 
 #include "reports/RepAdmMovUser.h"
+#include "reports/accounts/RepAdmCargos.h"
+#include "reports/accounts/RepAdmEdoCta.h"
 #include "reports/accounts/RepAdmSALF.h"
 #include "reports/accounts/RepAdmSALFp.h"
 
@@ -51,11 +53,6 @@ void VisteMarcoDestino(Formulario& f) {
 
 FormaBasica::FormaBasica(std::string nombre, std::string caption)
     : Formulario(std::move(nombre), std::move(caption)) {
-    VisteMarcoDestino(*this);
-}
-
-FormaPareadaBasica::FormaPareadaBasica(std::string nombre, std::string caption)
-    : FormularioPareado(std::move(nombre), std::move(caption)) {
     VisteMarcoDestino(*this);
 }
 

@@ -25,21 +25,10 @@ class FormaBasica : public Formulario {
     FormaBasica(std::string nombre, std::string caption);
 };
 
-// A bare paired form (customers and suppliers).
-class FormaPareadaBasica : public FormularioPareado {
-  public:
-    FormaPareadaBasica(std::string nombre, std::string caption);
-};
-
 #define TZ_FORMA_BASICA(Clase, Titulo)           \
     class Clase : public FormaBasica {           \
       public:                                    \
         Clase() : FormaBasica(#Clase, Titulo) {} \
-    };
-#define TZ_FORMA_PAREADA(Clase, Titulo)                 \
-    class Clase : public FormaPareadaBasica {           \
-      public:                                           \
-        Clase() : FormaPareadaBasica(#Clase, Titulo) {} \
     };
 
 TZ_FORMA_BASICA(RepAdmAdSCtes, "Antigüedad de saldos de clientes")
@@ -47,7 +36,6 @@ TZ_FORMA_BASICA(RepAdmAdSProv, "Antigüedad de saldos de proveedores")
 TZ_FORMA_BASICA(RepAdmAjustes, "Ajustes de inventario")
 TZ_FORMA_BASICA(RepAdmApar, "Apartados")
 TZ_FORMA_BASICA(RepAdmGymAsistencias, "Asistencias al gimnasio")
-TZ_FORMA_PAREADA(RepAdmCargos, "Cargos ")
 TZ_FORMA_BASICA(RepAdmChecador, "Checador del gimnasio")
 TZ_FORMA_BASICA(RepAdmComisXvend, "Comisiones por vendedor")
 TZ_FORMA_BASICA(RepAdmCompras, "Compras")
@@ -59,7 +47,6 @@ TZ_FORMA_BASICA(RepAdmCxC, "Cuentas por cobrar")
 TZ_FORMA_BASICA(RepAdmCxP, "Cuentas por pagar")
 TZ_FORMA_BASICA(RepAdmDevCtes, "Devoluciones de clientes")
 TZ_FORMA_BASICA(RepAdmDevProv, "Devoluciones a proveedores")
-TZ_FORMA_PAREADA(RepAdmEdoCta, "Estados de cuenta de ")
 TZ_FORMA_BASICA(RepAdmEdoCtaProds, "Estado de cuenta de productos")
 TZ_FORMA_BASICA(RepAdmEmbarques, "Embarques")
 TZ_FORMA_BASICA(RepAdmEntradas, "Entradas de mercancía")
@@ -85,7 +72,6 @@ TZ_FORMA_BASICA(RepAdmUtilXvend, "Utilidad por vendedor")
 TZ_FORMA_BASICA(RepAdmVtasCanc, "Ventas canceladas")
 
 #undef TZ_FORMA_BASICA
-#undef TZ_FORMA_PAREADA
 
 using CreadorForma = std::function<std::shared_ptr<Formulario>()>;
 

@@ -100,6 +100,7 @@ void FormaReporte::Load() {
     }
     LeeRecordados();
     session::LeePosicion(*this);
+    AlTerminarCarga();
 }
 
 void FormaReporte::FechasPorOmision() {
@@ -191,7 +192,8 @@ bool FormaReporte::RevisaEntradas() {
 
 bool FormaReporte::RevisaFechas() {
     for (const Control* c : Controles()) {
-        if (c->Tipo() != host::TipoControl::Fecha || !c->Visible) continue;
+        if (c->Tipo() != host::TipoControl::Fecha || !c->Visible || !c->Enabled) continue;
+        if (c->SinFecha() && FechaOpcional(*c)) continue;
         const std::string que = c->Indice == 1 ? "final" : "inicial";
         if (c->SinFecha() || !detail::Lib().EsFecha(c->Text)) {
             Avisa("La fecha " + que + " ('" + c->Text +
@@ -386,6 +388,12 @@ void FormaReporte::GuardaRecordados() {
             // Settings that cannot be written do not spoil a finished report.
         }
     }
+}
+
+FormularioPareado::FormularioPareado(std::string nombre, std::string caption)
+    : FormaReporte(std::move(nombre), std::move(caption)) {
+    Agrega("lblTipo");
+    Agrega("lblPersona", -1, "Cliente");
 }
 
 bool FormaReporte::Cierra() {

@@ -75,6 +75,11 @@ class FormaReporte : public FormaBasica {
     virtual void Imprimir() = 0;
     // Redraws the caption labels beside a box that lost the focus (EtiquetaNegra).
     virtual void AlSalir(Control&) {}
+    // Runs once the form has loaded (combos bound, remembered settings and position read).
+    virtual void AlTerminarCarga() {}
+    // Whether a date box may be left blank (its condition is then dropped); by default every
+    // visible date box must hold a date. A disabled date box is never checked.
+    virtual bool FechaOpcional(const Control&) const { return false; }
 
     // --- Steps for Imprimir ---------------------------------------------------------------
     // Names the step under way; a failure is reported as having happened in it.
@@ -122,6 +127,24 @@ class FormaReporte : public FormaBasica {
     std::string ultimoError_;
     std::int16_t destinoAnterior_ = 0;
     Ejecutor ejecutor_;
+};
+
+// A report form that serves customers and suppliers (RepAdmCargos, RepAdmEdoCta). The facade
+// loads it, then sets its report key, numeric code, mode label lblTipo ("C" or "P") and person
+// label lblPersona, and calls AjustaModo() before showing it.
+class FormularioPareado : public FormaReporte {
+  public:
+    FormularioPareado(std::string nombre, std::string caption);
+
+    // Report key ("RepCargosCtes"); after ShowForm it reads key, tab, key.
+    std::string Llave;
+    // 73 CargosClientes, 79 CargosProveedores, 75 EdoCtaClientes, 81 EdoCtaProveedores.
+    std::int16_t Codigo = 0;
+
+    // True when lblTipo says customers ("C").
+    bool ParaClientes() const { return Ctl("lblTipo").Caption == "C"; }
+    // Fits the controls to the side that lblTipo names (captions, controls of one side only).
+    virtual void AjustaModo() {}
 };
 
 namespace detail {

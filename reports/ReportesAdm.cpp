@@ -82,6 +82,7 @@ void MuestraPareado(const std::string& nombre, std::int16_t opcion, const Paread
     par->Ctl("lblTipo").Caption = p.modo;
     par->Caption += p.sufijo;
     if (p.proveedor) par->Ctl("lblPersona").Caption = "Proveedor";
+    par->AjustaModo();
     auto skin = session::ObjetoAyuda<toolkit::ElSkin>("ElSkin");
     if (!skin) throw std::runtime_error("No se pudo crear el objeto kvtz5.ElSkin");
     skin->LeeCoord(*forma);

@@ -10,6 +10,7 @@
 
 #include "host/Menu.h"
 #include "reports/Formas.h"
+#include "reports/Marco.h"
 #include "session/Sesion.h"
 #include "support/NombresDeCaso.h"
 #include "toolkit/Apoyo.h"

@@ -109,7 +109,7 @@ TEST(TzorepAyuda, ListaEnJsonConTituloYDisponibilidad) {
         << r.salida;
     EXPECT_TRUE(Contiene(r.salida,
                          "\"entry\":\"CargosClientes\",\"form\":\"RepAdmCargos\","
-                         "\"option\":215,\"available\":false,\"title\":\"Cargos a "
+                         "\"option\":215,\"available\":true,\"title\":\"Cargos a "
                          "clientes\"}"))
         << r.salida;
     r = ejecutarTzorep({"list"});
