@@ -110,9 +110,14 @@ class FilasSqlite : public Filas {
     }
 
     bool siguiente() override {
+        // SQLite starts a finished statement over on the next step: the end is kept.
+        if (terminado_) return false;
         for (;;) {
             const int rc = sqlite3_step(st_.get());
-            if (rc == SQLITE_DONE) return false;
+            if (rc == SQLITE_DONE) {
+                terminado_ = true;
+                return false;
+            }
             if (rc != SQLITE_ROW)
                 throw ErrorDatos("leer los datos del reporte", sqlite3_errmsg(bd_.get()),
                                  sql_.back(), {}, rc);
@@ -129,6 +134,7 @@ class FilasSqlite : public Filas {
   private:
     std::unique_ptr<sqlite3, CierraSqlite> bd_;
     std::unique_ptr<sqlite3_stmt, FinalizaSentencia> st_;  // finalized before the close
+    bool terminado_ = false;
 };
 
 }  // namespace detail

@@ -423,6 +423,9 @@ TEST_F(FilasSqlite, FechaCeroYArchivoFaltante) {
     auto f = abrirSqlite(archivo, d);
     ASSERT_TRUE(f->siguiente());
     EXPECT_TRUE(f->valor(0).comoFecha().vacia());
+    // Past its end the reader stays there (the layout reads ahead and then asks again).
+    EXPECT_FALSE(f->siguiente());
+    EXPECT_FALSE(f->siguiente());
     EXPECT_THROW(abrirSqlite(tmp / "NoHay.mdb", d), ErrorDatos);
 }
 
