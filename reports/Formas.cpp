@@ -7,6 +7,7 @@
 #include "reports/accounts/RepAdmEdoCta.h"
 #include "reports/accounts/RepAdmSALF.h"
 #include "reports/accounts/RepAdmSALFp.h"
+#include "reports/sales/RepAdmComisXvend.h"
 
 namespace paratzorep::reports {
 

@@ -256,14 +256,18 @@ void Simulacion::catalogos() {
                         .t(sucursales_[static_cast<size_t>(i) % 3])
                         .n(i == nVend ? 0 : 1));
         if (i != 2) {  // one seller without brackets earns nothing under the table scheme
-            const std::array<long long, 4> umbral = {0, 5000000, 15000000, 40000000};
+            // Monthly targets: a seller sells about 0.6 to 1.9 million a month at scale 1, and
+            // each seller's share grows as 7 * scale / sellers; rounded to 50,000.
+            const std::array<long long, 4> umbral = {0, 100000000, 140000000, 180000000};
             const std::array<double, 4> pct = {1.0, 1.5, 2.0, 2.5};
-            for (int r = 0; r < 4; ++r)
+            for (int r = 0; r < 4; ++r) {
+                const long long u = umbral[static_cast<size_t>(r)] * 7 * s_ / nVend;
                 com->agrega(Renglon()
                                 .t(clave)
                                 .n(r + 1)
-                                .m(umbral[static_cast<size_t>(r)] * s_)
+                                .m((u + 2500000) / 5000000 * 5000000)
                                 .x(pct[static_cast<size_t>(r)] + (i % 3) * 0.25, 2));
+            }
         }
         for (size_t l = 0; l < kLineas.size(); ++l)
             if (az_.probable(0.4))
