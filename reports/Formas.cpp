@@ -5,6 +5,7 @@
 #include "reports/RepAdmMovUser.h"
 #include "reports/accounts/RepAdmCargos.h"
 #include "reports/accounts/RepAdmEdoCta.h"
+#include "reports/accounts/RepAdmCobRecibos.h"
 #include "reports/accounts/RepAdmSALF.h"
 #include "reports/accounts/RepAdmSALFp.h"
 #include "reports/sales/RepAdmComisXvend.h"

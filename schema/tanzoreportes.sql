@@ -217,7 +217,7 @@ CREATE TABLE recibos (
     Cliente VARCHAR(15) NOT NULL DEFAULT '',
     Nombre VARCHAR(100) NOT NULL DEFAULT '',
     PRIMARY KEY (Id),
-    KEY Recibo (Recibo)
+    KEY Orden (Recibo, Id)
 ) ENGINE=Aria TRANSACTIONAL=0;
 
 -- Customer payments of one seller: a copy of the statement rows (same layout
