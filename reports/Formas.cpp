@@ -9,6 +9,7 @@
 #include "reports/accounts/RepAdmSALF.h"
 #include "reports/accounts/RepAdmSALFp.h"
 #include "reports/sales/RepAdmComisXvend.h"
+#include "reports/sales/RepAdmUtilXvend.h"
 
 namespace paratzorep::reports {
 

@@ -66,7 +66,6 @@ TZ_FORMA_BASICA(RepAdmSdoProdsCtes, "Saldos de productos por cliente")
 TZ_FORMA_BASICA(RepAdmSepMet, "Separación de metales")
 TZ_FORMA_BASICA(RepAdmTraspasos, "Traspasos")
 TZ_FORMA_BASICA(RepAdmUtilidad, "Utilidad")
-TZ_FORMA_BASICA(RepAdmUtilXvend, "Utilidad por vendedor")
 TZ_FORMA_BASICA(RepAdmVtasCanc, "Ventas canceladas")
 
 #undef TZ_FORMA_BASICA

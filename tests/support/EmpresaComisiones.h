@@ -9,13 +9,13 @@
 
 namespace paratzorep::pruebas {
 
-// The reports database's models of the line-and-price work tables, as the schema defines them,
+// The reports database's models of the commission and profit-by-seller work tables, as the schema defines them,
 // created on the run's server when missing (the reports database is shared by the run).
 inline void CreaModelosComisiones() {
     BaseDeDatosDePrueba modelos;
     schema::cargarArchivo(modelos.mysql(), schema::carpetaEsquemas() / "tanzoreportes.sql");
     modelos.ejecutar("CREATE DATABASE IF NOT EXISTS tanzoreportes");
-    for (const char* t : {"comisxventas", "comisxventasdetalle"})
+    for (const char* t : {"comisxventas", "comisxventasdetalle", "utilidadxvendedor"})
         modelos.ejecutar(std::string("CREATE TABLE IF NOT EXISTS tanzoreportes.") + t + " LIKE `" +
                          modelos.nombre() + "`." + t);
 }
