@@ -1,5 +1,6 @@
 #include "toolkit/DeArchivos.h"
 
+#include <signal.h>
 #include <spawn.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -81,9 +82,17 @@ bool DeArchivos::AbreDocumento(const std::string& ruta, std::int16_t) const {
     std::string orden = "xdg-open \"$0\" >/dev/null 2>&1 &";
     const char* args[] = {"/bin/sh", "-c", orden.c_str(), archivo.c_str(), nullptr};
     pid_t pid = 0;
-    if (posix_spawn(&pid, "/bin/sh", nullptr, nullptr, const_cast<char**>(args), environ) != 0) {
-        return false;
-    }
+    // The child starts with no signal blocked, whatever this process blocks for its own handler.
+    posix_spawnattr_t atributos;
+    posix_spawnattr_init(&atributos);
+    sigset_t ninguna;
+    sigemptyset(&ninguna);
+    posix_spawnattr_setsigmask(&atributos, &ninguna);
+    posix_spawnattr_setflags(&atributos, POSIX_SPAWN_SETSIGMASK);
+    const int r =
+        posix_spawn(&pid, "/bin/sh", nullptr, &atributos, const_cast<char**>(args), environ);
+    posix_spawnattr_destroy(&atributos);
+    if (r != 0) return false;
     int estado = 0;
     waitpid(pid, &estado, 0);
     return WIFEXITED(estado) && WEXITSTATUS(estado) == 0;

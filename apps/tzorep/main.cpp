@@ -1,7 +1,9 @@
 // tzorep: the command-line host. Parses the global options, resolves the home
 // folder and dispatches to the commands (one source file each).
 #include <algorithm>
+#include <clocale>
 #include <cstdlib>
+#include <cstring>
 #include <exception>
 #include <iostream>
 #include <string>
@@ -9,7 +11,9 @@
 
 #include "apps/tzorep/Ayuda.h"
 #include "apps/tzorep/Commands.h"
+#include "data/ConexionMaria.h"
 #include "data/ServidorPrivado.h"
+#include "host/Proceso.h"
 
 namespace paratzorep::cli {
 namespace detail {
@@ -72,6 +76,11 @@ int principal(int argc, char** argv) {
     }
     ctx.home = std::filesystem::absolute(ctx.home).lexically_normal();
     if (ctx.home.filename().empty()) ctx.home = ctx.home.parent_path();  // "dir/" -> "dir"
+    // What a message about an unreachable server tells the user to run (Arranque clears it when
+    // tzorep.ini points at another server).
+    data::ComoArrancarServidor() =
+        "tzorep " + (home.empty() ? std::string() : "--home " + ctx.home.string() + " ") +
+        "db start";
 
     const std::string orden = args[i];
     std::vector<std::string> resto(args.begin() + static_cast<std::ptrdiff_t>(i) + 1, args.end());
@@ -101,10 +110,23 @@ int principal(int argc, char** argv) {
 }  // namespace paratzorep::cli
 
 int main(int argc, char** argv) {
+    // Ctrl-C, SIGTERM and SIGHUP drop the work tables and remove the half-written files before
+    // the process ends; installed before any other thread starts.
+    paratzorep::host::InstalaInterrupciones("tzorep");
+    // The system's own reasons (a full disk, a missing folder) in Spanish, whatever the locale
+    // says; numbers, dates and collation keep the C locale.
+    setenv("LANGUAGE", "es", 0);
+    const char* mensajes = std::setlocale(LC_MESSAGES, "");
+    if (mensajes == nullptr || std::strcmp(mensajes, "C") == 0 ||
+        std::strcmp(mensajes, "POSIX") == 0)
+        std::setlocale(LC_MESSAGES, "C.UTF-8");
+    int estado = 1;
     try {
-        return paratzorep::cli::detail::principal(argc, argv);
+        estado = paratzorep::cli::detail::principal(argc, argv);
     } catch (const std::exception& e) {
         std::cerr << "tzorep: " << e.what() << "\n";
-        return 1;
     }
+    // An interruption under way ends the process with its own status and message.
+    paratzorep::host::EsperaSiInterrumpido();
+    return estado;
 }
