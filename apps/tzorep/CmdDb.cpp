@@ -3,8 +3,11 @@
 #include <cstdio>
 #include <iostream>
 
-#include "data/ServidorPrivado.h"
 #include "apps/tzorep/Commands.h"
+#include "data/BaseDDMaria.h"
+#include "data/ConexionMaria.h"
+#include "data/ServidorPrivado.h"
+#include "data/TablasTrabajo.h"
 
 namespace paratzorep::cli {
 
@@ -26,6 +29,16 @@ void mostrarError(const data::ErrorServidor& e) {
     }
 }
 
+// A connection to the private server as its application user, for the work-table registry.
+host::Conexion ConectaPrivado(const data::DatosServidor& d) {
+    data::DatosConexion datos;
+    datos.servidor = d.host;
+    datos.puerto = d.puerto;
+    datos.usuario = d.usuario;
+    datos.password = d.password;
+    return std::make_shared<data::ConexionMaria>(std::move(datos));
+}
+
 }  // namespace detail
 
 int cmdDb(const Contexto& ctx, const std::vector<std::string>& args) {
@@ -42,6 +55,17 @@ int cmdDb(const Contexto& ctx, const std::vector<std::string>& args) {
             std::snprintf(tiempo, sizeof tiempo, "%.2f", s);
             std::cout << "Servidor privado en marcha en 127.0.0.1:" << d.puerto << " (socket "
                       << d.socket << ", " << tiempo << " s)\n";
+            // Work tables of prints that died with the server before this start.
+            try {
+                data::BaseDDMaria base;
+                const auto borradas = data::BorraTablasHuerfanas(base, detail::ConectaPrivado(d));
+                if (!borradas.empty())
+                    std::cout << "Tablas de trabajo huérfanas borradas: " << borradas.size()
+                              << "\n";
+            } catch (const std::exception& e) {
+                std::cerr << "tzorep: no se pudieron revisar las tablas de trabajo: " << e.what()
+                          << "\n";
+            }
             return 0;
         }
         if (sub == "stop") {
@@ -67,6 +91,21 @@ int cmdDb(const Contexto& ctx, const std::vector<std::string>& args) {
                           << "Usuario: " << e.datos->usuario << "\n";
             }
             std::cout << "Carpeta de datos: " << servidor.carpetaDatos().string() << "\n";
+            if (e.datos) {
+                try {
+                    data::BaseDDMaria base;
+                    const auto t =
+                        data::RevisaTablasTrabajo(base, detail::ConectaPrivado(*e.datos));
+                    std::cout << "Tablas de trabajo en uso: " << t.enUso << "\n"
+                              << "Tablas de trabajo huérfanas: " << t.huerfanas.size();
+                    if (!t.huerfanas.empty())
+                        std::cout << " (se borran en la próxima impresión o con tzorep db start)";
+                    std::cout << "\n";
+                } catch (const std::exception& ex) {
+                    std::cout << "Tablas de trabajo: no se pudieron revisar (" << ex.what()
+                              << ")\n";
+                }
+            }
             return 0;
         }
     } catch (const data::ErrorServidor& e) {
