@@ -52,13 +52,19 @@ bool BaseDDMaria::AbrirBdD(host::Conexion& cn, const std::string& base, bool /*b
     datos.base = base.empty() ? std::string(host::kBaseGeneral) : base;
     try {
         cn = std::make_shared<ConexionMaria>(std::move(datos));
-        ultimoError_.clear();
+        Anota(nullptr);
         return true;
     } catch (const std::exception& e) {
-        ultimoError_ = e.what();
+        Anota(&e);
         cn.reset();
         return false;
     }
+}
+
+void BaseDDMaria::Anota(const std::exception* e) {
+    ultimoError_ = e ? e->what() : "";
+    const auto* d = dynamic_cast<const host::ErrorDatos*>(e);
+    ultimoCodigo_ = d ? d->Codigo() : 0;
 }
 
 void BaseDDMaria::CierraBdD(host::Conexion& cn) {
@@ -75,10 +81,10 @@ bool BaseDDMaria::AbrirTabla(host::Recordset& rs, const host::Conexion& cn,
         std::string tabla =
             detail::EsTextoSql(fuente) ? r.tablaUnica : detail::TablaDeFuente(fuente);
         rs.Abre(std::move(r.columnas), std::move(r.filas), fuente, std::move(tabla), cn);
-        ultimoError_.clear();
+        Anota(nullptr);
         return true;
     } catch (const std::exception& e) {
-        ultimoError_ = e.what();
+        Anota(&e);
         rs.Cierra();
         return false;
     }

@@ -45,9 +45,13 @@ class BaseDDMaria : public host::BaseDD {
         const host::Conexion& cnLocal,
         const std::vector<std::pair<std::string, host::Valor>>& valores) override;
     std::string UltimoError() const override { return ultimoError_; }
+    int UltimoCodigo() const override { return ultimoCodigo_; }
 
   private:
+    void Anota(const std::exception* e);
+
     std::string ultimoError_;
+    int ultimoCodigo_ = 0;
 };
 
 }  // namespace paratzorep::data

@@ -1,7 +1,9 @@
 #include "data/ConexionMaria.h"
 
+#include <errmsg.h>
 #include <mysql.h>
 
+#include <chrono>
 #include <cstring>
 
 #include "data/MensajesCliente.h"
@@ -54,15 +56,65 @@ struct CierraSentencia {
     void operator()(MYSQL_STMT* s) const { mysql_stmt_close(s); }
 };
 
+double Ahora() {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
+// The client library's failures in Spanish (MensajeMaria); a statement that waited the whole
+// limit for an answer is said to be a server that stopped answering.
+std::string MotivoCliente(int codigo, const std::string& mensaje, unsigned espera,
+                          double transcurrido) {
+    const bool perdida = codigo == CR_SERVER_GONE_ERROR || codigo == CR_SERVER_LOST ||
+                         codigo == CR_SERVER_LOST_EXTENDED;
+    if (perdida && espera > 0 && transcurrido + 0.5 >= espera)
+        return "el servidor no respondió en " + std::to_string(espera) +
+               " segundos (puede estar detenido, saturado o sin red)";
+    return MensajeMaria(static_cast<unsigned>(codigo), mensaje);
+}
+
 }  // namespace detail
+
+unsigned& SegundosDeEspera() {
+    static unsigned segundos = kSegundosDeEspera;
+    return segundos;
+}
+
+std::string& ComoArrancarServidor() {
+    static std::string como;
+    return como;
+}
+
+std::string ConsejoServidor() {
+    std::string r = "¿Está arrancado el servidor?";
+    if (!ComoArrancarServidor().empty()) r += " " + ComoArrancarServidor();
+    return r;
+}
+
+bool EsServidorInalcanzable(int codigo) {
+    return codigo == CR_CONNECTION_ERROR || codigo == CR_CONN_HOST_ERROR ||
+           codigo == CR_UNKNOWN_HOST || codigo == CR_SERVER_GONE_ERROR ||
+           codigo == CR_SERVER_LOST || codigo == CR_SERVER_LOST_EXTENDED;
+}
 
 ConexionMaria::ConexionMaria(DatosConexion datos) : datos_(std::move(datos)) {
     mysql_ = mysql_init(nullptr);
     if (mysql_ == nullptr)
         throw host::ErrorDatos("Conectar al servidor", "", 0, "sin memoria para la conexión");
     mysql_optionsv(mysql_, MYSQL_SET_CHARSET_NAME, "utf8mb4");
+    // Never longer than the limit on a silent server: a server that accepts the connection but
+    // does not answer it is one too.
+    unsigned respuesta = SegundosRespuesta();
     unsigned espera = datos_.segundosEspera;
+    if (respuesta > 0 && respuesta < espera) espera = respuesta;
+    datos_.segundosEspera = espera;
     mysql_optionsv(mysql_, MYSQL_OPT_CONNECT_TIMEOUT, &espera);
+    // A server that stops answering (stopped, paused, cut off) ends the statement instead of
+    // leaving it waiting for ever.
+    if (respuesta > 0) {
+        mysql_optionsv(mysql_, MYSQL_OPT_READ_TIMEOUT, &respuesta);
+        mysql_optionsv(mysql_, MYSQL_OPT_WRITE_TIMEOUT, &respuesta);
+    }
     // The system's SQL was written for the permissive mode (empty texts into numbers, zero
     // dates); every server is asked for it so that all behave like the private one.
     mysql_optionsv(mysql_, MYSQL_INIT_COMMAND, "SET SESSION sql_mode='NO_ENGINE_SUBSTITUTION'");
@@ -73,14 +125,18 @@ ConexionMaria::ConexionMaria(DatosConexion datos) : datos_(std::move(datos)) {
     if (!porSocket && datos_.servidor == "localhost") host = "127.0.0.1";
     unsigned int protocolo = porSocket ? MYSQL_PROTOCOL_SOCKET : MYSQL_PROTOCOL_TCP;
     mysql_optionsv(mysql_, MYSQL_OPT_PROTOCOL, &protocolo);
+    inicio_ = detail::Ahora();
     if (mysql_real_connect(mysql_, host, datos_.usuario.c_str(), datos_.password.c_str(),
                            datos_.base.empty() ? nullptr : datos_.base.c_str(),
                            static_cast<unsigned>(datos_.puerto), socket,
                            CLIENT_FOUND_ROWS) == nullptr) {
-        host::ErrorDatos e("Conectar al servidor '" + datos_.servidor + "' puerto " +
-                               std::to_string(datos_.puerto) + " base '" + datos_.base + "'",
-                           "", static_cast<int>(mysql_errno(mysql_)),
-                           MensajeMaria(mysql_errno(mysql_), mysql_error(mysql_)));
+        const int codigo = static_cast<int>(mysql_errno(mysql_));
+        host::ErrorDatos e("Conectar con el servidor " + datos_.servidor +
+                               (porSocket ? "" : ":" + std::to_string(datos_.puerto)) + " (base '" +
+                               datos_.base + "')",
+                           "", codigo,
+                           detail::MotivoCliente(codigo, mysql_error(mysql_), datos_.segundosEspera,
+                                                 detail::Ahora() - inicio_));
         mysql_close(mysql_);
         mysql_ = nullptr;
         throw e;
@@ -98,14 +154,25 @@ void ConexionMaria::Cierra() {
     }
 }
 
+unsigned ConexionMaria::SegundosRespuesta() const {
+    return datos_.segundosRespuesta.value_or(SegundosDeEspera());
+}
+
+unsigned long ConexionMaria::Hilo() const {
+    return mysql_ ? mysql_thread_id(mysql_) : 0;
+}
+
 void ConexionMaria::Falla(const std::string& accion, const std::string& sql) const {
     if (mysql_ == nullptr) throw host::ErrorDatos(accion, sql, 0, "la conexión está cerrada");
-    throw host::ErrorDatos(accion, sql, static_cast<int>(mysql_errno(mysql_)),
-                           MensajeMaria(mysql_errno(mysql_), mysql_error(mysql_)));
+    const int codigo = static_cast<int>(mysql_errno(mysql_));
+    throw host::ErrorDatos(accion, sql, codigo,
+                           detail::MotivoCliente(codigo, mysql_error(mysql_), SegundosRespuesta(),
+                                                 detail::Ahora() - inicio_));
 }
 
 detail::Resultado ConexionMaria::Consulta(const std::string& sql, const std::string& accion) {
     if (mysql_ == nullptr) Falla(accion, sql);
+    inicio_ = detail::Ahora();
     if (mysql_real_query(mysql_, sql.data(), sql.size()) != 0) Falla(accion, sql);
     std::unique_ptr<MYSQL_RES, detail::LiberaResultado> res(mysql_store_result(mysql_));
     detail::Resultado r;
@@ -156,6 +223,7 @@ detail::Resultado ConexionMaria::Consulta(const std::string& sql, const std::str
 
 std::int64_t ConexionMaria::Ejecuta(const std::string& sql, const std::string& accion) {
     if (mysql_ == nullptr) Falla(accion, sql);
+    inicio_ = detail::Ahora();
     if (mysql_real_query(mysql_, sql.data(), sql.size()) != 0) Falla(accion, sql);
     // A statement that returns rows anyway (SELECT through Executar): discard them.
     if (mysql_field_count(mysql_) != 0) {
@@ -171,9 +239,13 @@ std::int64_t ConexionMaria::EjecutaConValores(const std::string& sql,
     if (mysql_ == nullptr) Falla(accion, sql);
     std::unique_ptr<MYSQL_STMT, detail::CierraSentencia> st(mysql_stmt_init(mysql_));
     if (!st) Falla(accion, sql);
+    inicio_ = detail::Ahora();
     auto fallaSentencia = [&] {
-        throw host::ErrorDatos(accion, sql, static_cast<int>(mysql_stmt_errno(st.get())),
-                               mysql_stmt_error(st.get()));
+        const int codigo = static_cast<int>(mysql_stmt_errno(st.get()));
+        throw host::ErrorDatos(
+            accion, sql, codigo,
+            detail::MotivoCliente(codigo, mysql_stmt_error(st.get()), SegundosRespuesta(),
+                                  detail::Ahora() - inicio_));
     };
     if (mysql_stmt_prepare(st.get(), sql.data(), sql.size()) != 0) fallaSentencia();
     if (mysql_stmt_param_count(st.get()) != valores.size()) {

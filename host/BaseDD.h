@@ -135,6 +135,9 @@ class BaseDD {
 
     // Why the last true/false operation answered false ("" when it did not).
     virtual std::string UltimoError() const = 0;
+    // The error code behind UltimoError (the server's, or the client library's from 2000 up;
+    // 0 when unknown).
+    virtual int UltimoCodigo() const { return 0; }
 };
 
 }  // namespace paratzorep::host

@@ -5,6 +5,7 @@
 #include <map>
 #include <set>
 
+#include "data/ConexionMaria.h"
 #include "renderer/data/Consulta.h"
 #include "renderer/formula/Formula.h"
 
@@ -145,8 +146,11 @@ renderer::DatosAbiertos AbreDatosReporte(const renderer::ConsultaReporte& c) {
     }
     if (!seleccionFuera) d.seleccion = c.seleccion;
 
+    // The same limit on a silent server as the data layer's connections.
+    rd::Opciones opciones;
+    opciones.segundosEspera = data::SegundosDeEspera();
     std::unique_ptr<rd::Filas> filas =
-        porLocal ? rd::abrirSqlite(archivoDe(0), d) : rd::abrirOdbc(c.conexion, d);
+        porLocal ? rd::abrirSqlite(archivoDe(0), d) : rd::abrirOdbc(c.conexion, d, opciones);
 
     // Heading tables of the other source: their first row, once.
     std::map<std::string, std::map<std::string, renderer::Valor>> constantes;
@@ -158,7 +162,8 @@ renderer::DatosAbiertos AbreDatosReporte(const renderer::ConsultaReporte& c) {
         rd::DescripcionConsulta h;
         h.tablas.push_back({tablas[i].nombre, local[i] ? tablas[i].nombre : c.archivosDatos[i]});
         for (const auto& f : campos->second) h.columnas.push_back({tablas[i].nombre, f});
-        auto fila = local[i] ? rd::abrirSqlite(archivoDe(i), h) : rd::abrirOdbc(c.conexion, h);
+        auto fila =
+            local[i] ? rd::abrirSqlite(archivoDe(i), h) : rd::abrirOdbc(c.conexion, h, opciones);
         auto& valores = constantes[clave];
         if (fila->siguiente())
             for (const auto& f : campos->second)

@@ -8,6 +8,7 @@
 #include <stdexcept>
 
 #include "data/BaseDDMaria.h"
+#include "data/ConexionMaria.h"
 #include "data/ServidorPrivado.h"
 #include "session/Sesion.h"
 #include "toolkit/Ini.h"
@@ -109,6 +110,26 @@ void LeeArranque(const std::filesystem::path& home, session::Iniciales& ini, hos
         bd.cRuta = privado->host;
         bd.cPuerto = privado->puerto;
         bd.cPassword = privado->password;
+    }
+    // Starting the private server is the fix only when the file points at this machine.
+    if (!(bd.cRuta.empty() || bd.cRuta == "127.0.0.1" || bd.cRuta == "localhost" ||
+          (privado && bd.cRuta == privado->host)))
+        data::ComoArrancarServidor().clear();
+    for (const auto& [clave, valor] : toolkit::ClavesIni("Servidor", archivo)) {
+        if (detail::Igual(clave, "TiempoDeEspera")) {
+            const std::string t = toolkit::detail::Recorta(valor);
+            const double v = toolkit::LibKRVM().kvVal(t);
+            if (t.empty() || t.find_first_not_of("0123456789") != std::string::npos || v > 86400) {
+                avisos.push_back(
+                    "[Servidor] TiempoDeEspera debe ser un número de segundos entre 0 y 86400, "
+                    "no '" +
+                    valor + "'");
+            } else {
+                data::SegundosDeEspera() = static_cast<unsigned>(v);
+            }
+        } else {
+            avisos.push_back("[Servidor] clave desconocida: " + clave);
+        }
     }
     for (const auto& [clave, valor] : toolkit::ClavesIni("DatosConecte", archivo)) {
         if (detail::Igual(clave, "xServidor")) {

@@ -2,6 +2,8 @@
 //   [Iniciales]     any Iniciales property by name (RutaTanzo=..., UserUsuario=..., ...)
 //   [BaseDD]        cRuta, cUsuario, cPassword, cPuerto, cMiBase
 //   [DatosConecte]  xServidor, xUsuario, xPassWord, xPuerto, xBaseDD
+//   [Servidor]      TiempoDeEspera: seconds a statement waits for a silent server before the
+//                   print ends with a message (0: no limit; 120 by default)
 // What the file leaves out comes from the home folder: the private server's connection
 // (servidor.conf) for [BaseDD], company database "datos1", and folders under the home.
 #pragma once

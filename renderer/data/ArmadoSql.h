@@ -1,6 +1,9 @@
 // Internal: the SELECT that a query description becomes, shared by the sources.
 #pragma once
 
+#include <functional>
+#include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -24,5 +27,14 @@ std::string seleccionarDesde(const DescripcionConsulta& d,
 int agregarColumna(std::vector<formula::RefCampo>& v, const formula::RefCampo& c);
 
 bool mismoNombre(std::string_view a, std::string_view b);
+
+// Checks that each table of the description exists and holds every field that `columnas` and the
+// joins name. `columnasDe` gives a table's columns (lower case), or nullopt when it does not
+// exist. Throws ErrorNombre.
+void revisarNombres(
+    const DescripcionConsulta& d, const std::vector<formula::RefCampo>& columnas,
+    const std::function<std::optional<std::set<std::string>>(const TablaConsulta&)>& columnasDe);
+
+std::string minusculasSql(std::string_view s);
 
 }  // namespace paratzorep::renderer::data::detail

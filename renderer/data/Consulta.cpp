@@ -42,6 +42,15 @@ ErrorDatos::ErrorDatos(std::string accion, std::string detalle, std::string sql,
       estado_(std::move(estado)),
       codigo_(codigo) {}
 
+ErrorNombre::ErrorNombre(std::string tabla, std::string campo, std::string origen)
+    : ErrorDatos("leer los datos del reporte",
+                 campo.empty()
+                     ? "la tabla '" + tabla + "' no existe en la base de datos (" + origen + ")"
+                     : "el campo '" + tabla + "." + campo + "' no existe en la tabla " + origen),
+      tabla_(std::move(tabla)),
+      campo_(std::move(campo)),
+      origen_(std::move(origen)) {}
+
 std::map<std::string, std::string> leerArchivosDatos(std::string_view entradas) {
     std::map<std::string, std::string> r;
     std::size_t i = 0;
@@ -107,6 +116,7 @@ std::string seleccionarDesde(const DescripcionConsulta& d,
     if (d.tablas.empty())
         throw ErrorDatos("armar la consulta del reporte", "el reporte no lee ninguna tabla");
     std::string s = "SELECT ";
+    if (columnas.empty()) s += "1";  // a report that shows only its headings still has rows
     for (std::size_t i = 0; i < columnas.size(); ++i) {
         s += (i ? ", " : "") + (i < expresiones.size() && !expresiones[i].empty()
                                     ? expresiones[i]
@@ -132,6 +142,34 @@ std::string seleccionarDesde(const DescripcionConsulta& d,
         }
     }
     return s;
+}
+
+std::string minusculasSql(std::string_view s) {
+    return minusculas(s);
+}
+
+void revisarNombres(
+    const DescripcionConsulta& d, const std::vector<formula::RefCampo>& columnas,
+    const std::function<std::optional<std::set<std::string>>(const TablaConsulta&)>& columnasDe) {
+    std::vector<std::optional<std::set<std::string>>> tablas;
+    for (const auto& t : d.tablas) {
+        tablas.push_back(columnasDe(t));
+        if (!tablas.back()) throw ErrorNombre(t.nombre, "", t.origen);
+    }
+    auto revisa = [&](const formula::RefCampo& c) {
+        for (std::size_t i = 0; i < d.tablas.size(); ++i) {
+            if (!mismoNombre(d.tablas[i].nombre, c.tabla)) continue;
+            if (!tablas[i]->count(minusculas(c.campo)))
+                throw ErrorNombre(d.tablas[i].nombre, c.campo, d.tablas[i].origen);
+            return;
+        }
+    };
+    for (const auto& c : columnas) revisa(c);
+    for (const auto& u : d.uniones)
+        for (const auto& [a, b] : u.campos) {
+            revisa(a);
+            revisa(b);
+        }
 }
 
 }  // namespace detail

@@ -52,6 +52,20 @@ class ErrorDatos : public std::runtime_error {
     long codigo_;
 };
 
+// A table or a field that the report reads and the database lacks: `tabla` and `campo` as the
+// report names them (campo "" when the table itself is missing), `origen` where it was looked
+// for. Found before the query is sent, so that the message can name the template's line.
+class ErrorNombre : public ErrorDatos {
+  public:
+    ErrorNombre(std::string tabla, std::string campo, std::string origen);
+    const std::string& tabla() const { return tabla_; }
+    const std::string& campo() const { return campo_; }
+    const std::string& origen() const { return origen_; }
+
+  private:
+    std::string tabla_, campo_, origen_;
+};
+
 // One table of the template, as the query names it (its template name is the
 // alias in SQL, so the formulas' {tabla.campo} stay valid) and where it is read.
 struct TablaConsulta {
@@ -98,6 +112,9 @@ struct Opciones {
     // Named formulas and parameters that the remaining selection may use; the
     // row's fields come from the stream itself.
     const formula::Contexto* contexto = nullptr;
+    // Seconds a statement waits for a silent server before it fails with a message that says
+    // so (0: no limit); the connections' read, write and connect timeouts.
+    unsigned segundosEspera = 0;
 };
 
 // A stream of selected rows in the requested order.

@@ -8,6 +8,8 @@
 #include <sqlext.h>
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <cstring>
 #include <future>
 
@@ -49,6 +51,22 @@ class Manejador {
     SQLHANDLE h_ = SQL_NULL_HANDLE;
 };
 
+// The limit on a silent server (the same for every connection of the process) and when this
+// thread sent its last statement: a lost connection that took the whole limit is the server not
+// answering.
+std::atomic<unsigned> segundosEspera{0};
+thread_local double inicioSentencia = 0;
+
+double ahora() {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
+bool esConexionPerdida(const std::string& estado, long nativo) {
+    return nativo == 2006 || nativo == 2013 || nativo == 2055 || estado == "HYT00" ||
+           estado == "HYT01" || estado == "08S01";
+}
+
 [[noreturn]] void fallarOdbc(const Manejador& m, const std::string& accion,
                              const std::string& sql = {}) {
     SQLCHAR estado[8] = {0};
@@ -70,6 +88,14 @@ class Manejador {
         detalle += reinterpret_cast<char*>(texto);
     }
     if (detalle.empty()) detalle = "el controlador ODBC no dio detalles";
+    const unsigned espera = segundosEspera;
+    if (esConexionPerdida(primerEstado, primerNativo)) {
+        if (espera > 0 && ahora() - inicioSentencia + 0.5 >= espera)
+            detalle = "el servidor no respondió en " + std::to_string(espera) +
+                      " segundos (puede estar detenido, saturado o sin red)";
+        else
+            detalle = "se perdió la conexión con el servidor (" + detalle + ")";
+    }
     throw ErrorDatos(accion, detalle, sql, primerEstado, primerNativo);
 }
 
@@ -136,11 +162,13 @@ class FilasOdbc : public Filas {
   public:
     FilasOdbc(const std::string& connect, const DescripcionConsulta& d, const Opciones& o)
         : Filas(d, o), desc_(d) {
+        segundosEspera = o.segundosEspera;
         const auto t = formula::traducirSeleccion(seleccion_, Dialecto::MariaDB);
         donde_ = t.sql;
         resto_ = t.resto;
         connect_ = connect;
         conectar(dbc_, connect);
+        revisarEnCatalogo();
         armarClaves();
         base_ = seleccionarDesde(desc_, columnasSql_, Dialecto::MariaDB, expresiones_);
     }
@@ -197,8 +225,21 @@ class FilasOdbc : public Filas {
             if (!connect.empty() && connect.back() != ';') connect += ';';
             connect += "CHARSET=utf8mb4";
         }
+        // A server that stops answering ends the read instead of leaving it waiting for ever.
+        if (opciones_.segundosEspera > 0) {
+            const std::string t = std::to_string(opciones_.segundosEspera);
+            for (const char* clave : {"READ_TIMEOUT", "WRITE_TIMEOUT", "CONN_TIMEOUT"}) {
+                std::string buscada = clave;
+                for (auto& c : buscada)
+                    c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+                if (bajo.find(buscada + "=") != std::string::npos) continue;
+                if (!connect.empty() && connect.back() != ';') connect += ';';
+                connect += std::string(clave) + "=" + t;
+            }
+        }
         SQLCHAR salida[1024];
         SQLSMALLINT largo = 0;
+        inicioSentencia = ahora();
         const SQLRETURN r =
             SQLDriverConnect(dbc.get(), nullptr, reinterpret_cast<SQLCHAR*>(connect.data()),
                              static_cast<SQLSMALLINT>(connect.size()), salida, sizeof salida,
@@ -224,6 +265,7 @@ class FilasOdbc : public Filas {
         if (desplazable)
             SQLSetStmtAttr(st->get(), SQL_ATTR_CURSOR_TYPE,
                            reinterpret_cast<SQLPOINTER>(SQL_CURSOR_STATIC), 0);
+        inicioSentencia = ahora();
         if (!SQL_SUCCEEDED(SQLExecDirect(st->get(), reinterpret_cast<SQLCHAR*>(sql.data()),
                                          static_cast<SQLINTEGER>(sql.size()))))
             fallarOdbc(*st, "leer los datos del reporte", sql);
@@ -253,6 +295,7 @@ class FilasOdbc : public Filas {
         Manejador st(SQL_HANDLE_STMT, dbc.get(), "consultar la base de datos");
         registrarSql(sql);
         std::string s = sql;
+        inicioSentencia = ahora();
         if (!SQL_SUCCEEDED(SQLExecDirect(st.get(), reinterpret_cast<SQLCHAR*>(s.data()),
                                          static_cast<SQLINTEGER>(s.size()))))
             fallarOdbc(st, "consultar la base de datos", sql);
@@ -323,6 +366,33 @@ class FilasOdbc : public Filas {
                           " AND COLUMN_NAME = " + formula::textoSql(c.campo, Dialecto::MariaDB) +
                           " AND " + condicion + " LIMIT 1")
                     .empty();
+    }
+
+    // Every table and field the report reads, in one look at the catalogue: a missing one is
+    // named as the template names it, before any query that would fail on it is sent.
+    void revisarEnCatalogo() {
+        std::string donde;
+        for (const auto& t : desc_.tablas)
+            donde += (donde.empty() ? "(" : " OR (") + tablaEnCatalogo(t) + ")";
+        const auto filas = consultar(
+            "SELECT LOWER(TABLE_SCHEMA), LOWER(TABLE_NAME), LOWER(COLUMN_NAME), DATABASE() FROM "
+            "information_schema.COLUMNS WHERE " +
+            donde);
+        detail::revisarNombres(desc_, columnas_, [&](const TablaConsulta& t) {
+            std::optional<std::set<std::string>> r;
+            const auto punto = t.origen.find('.');
+            for (const auto& f : filas) {
+                const std::string base = punto == std::string::npos
+                                             ? detail::minusculasSql(f[3])
+                                             : detail::minusculasSql(t.origen.substr(0, punto));
+                const std::string tabla = detail::minusculasSql(
+                    punto == std::string::npos ? t.origen : t.origen.substr(punto + 1));
+                if (f[0] != base || f[1] != tabla) continue;
+                if (!r) r.emplace();
+                r->insert(f[2]);
+            }
+            return r;
+        });
     }
 
     // The unique key of a table: its primary key, else its first unique index.

@@ -91,6 +91,21 @@ class FilasSqlite : public Filas {
         sqlite3_create_collation(b, "tz_general_ci", SQLITE_UTF8, nullptr, colacionGeneral);
         sqlite3_create_function(b, "tz_locate", 2, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr,
                                 localizar, nullptr, nullptr);
+        detail::revisarNombres(d, columnas_, [&](const TablaConsulta& t) {
+            std::optional<std::set<std::string>> r;
+            sqlite3_stmt* s = nullptr;
+            if (sqlite3_prepare_v2(b, "SELECT name FROM pragma_table_info(?1)", -1, &s, nullptr) !=
+                SQLITE_OK)
+                return std::optional<std::set<std::string>>(std::set<std::string>{});
+            std::unique_ptr<sqlite3_stmt, FinalizaSentencia> st(s);
+            sqlite3_bind_text(s, 1, t.origen.c_str(), -1, SQLITE_TRANSIENT);
+            while (sqlite3_step(s) == SQLITE_ROW) {
+                if (!r) r.emplace();
+                r->insert(detail::minusculasSql(
+                    reinterpret_cast<const char*>(sqlite3_column_text(s, 0))));
+            }
+            return r;
+        });
         std::string sql = seleccionarDesde(d, columnas_, Dialecto::SQLite);
         if (!t.sql.empty()) sql += " WHERE " + t.sql;
         if (!orden_.empty()) {
