@@ -4,9 +4,11 @@
 #include <exception>
 
 #include "data/AbrirBaseDeDatos.h"
+#include "data/ConexionMaria.h"
 #include "data/TablasTrabajo.h"
 #include "host/Interaccion.h"
 #include "host/Menu.h"
+#include "host/Proceso.h"
 #include "output/Ejecutor.h"
 #include "output/ExportarReporte.h"
 #include "renderer/TiposArchivo.h"
@@ -26,6 +28,10 @@ bool RompeLiteral(const std::string& texto) {
     return texto.find_first_of("'\\") != std::string::npos;
 }
 
+bool TextoInvalido(const std::string& texto) {
+    return !toolkit::detail::EsUtf8Valido(texto);
+}
+
 const toolkit::LibKRVM& Lib() {
     static const toolkit::LibKRVM local;
     const auto& lib = session::sesion().LibKRVM;
@@ -38,11 +44,15 @@ host::BaseDD& Base(const std::string& paso) {
     return *bd;
 }
 
-// The reason of a data-access failure with the server's code, for the user.
+// The reason of a data-access failure with the server's code, for the user; a server that
+// cannot be reached gets the hint to start it.
 std::string Motivo(const std::exception& e) {
     if (const auto* d = dynamic_cast<const host::ErrorDatos*>(&e)) {
         std::string m = d->MensajeServidor().empty() ? d->what() : d->MensajeServidor();
-        if (d->Codigo() != 0) m += " (error " + std::to_string(d->Codigo()) + " del servidor)";
+        if (data::EsServidorInalcanzable(d->Codigo()))
+            m += ". " + data::ConsejoServidor();
+        else if (d->Codigo() != 0 && d->Codigo() < 2000)
+            m += " (error " + std::to_string(d->Codigo()) + " del servidor)";
         return m;
     }
     return e.what();
@@ -61,7 +71,8 @@ FormaReporte::FormaReporte(std::string nombre, std::string caption)
 FormaReporte::~FormaReporte() = default;
 
 std::string FormaReporte::ArchivoLocal() {
-    return session::ConSeparadorFinal(session::sesion().RutaTanzo) + "Auxiliar.mdb";
+    // One per process, in its private folder: prints that run at once never share headings.
+    return (host::CarpetaPrivada() / "Auxiliar.mdb").string();
 }
 
 std::int16_t FormaReporte::Destino() const {
@@ -78,15 +89,7 @@ void FormaReporte::Load() {
     VisteMarcoDestino(*this);
     destinoAnterior_ = Destino();
     // The company database stays open while the form is.
-    auto& sesion = session::sesion();
-    if (sesion.BaseDD) {
-        if (!data::AbrirBaseDeDatos(cn_, sesion.BaseDD->cMiBase)) {
-            session::Mensaje("No se pudo abrir la base de datos de la empresa '" +
-                                 sesion.BaseDD->cMiBase + "': " + sesion.BaseDD->UltimoError() +
-                                 ". Revise los datos de conexión.",
-                             Caption, host::Icono::Critico);
-        }
-    }
+    if (session::sesion().BaseDD) AbreEmpresa();
     for (const Control* c : Controles()) {
         if (c->Tipo() != host::TipoControl::Fecha) continue;
         Control& f = Ctl(c->Nombre, c->Indice);
@@ -101,6 +104,18 @@ void FormaReporte::Load() {
     LeeRecordados();
     session::LeePosicion(*this);
     AlTerminarCarga();
+}
+
+bool FormaReporte::AbreEmpresa() {
+    auto& bd = *session::sesion().BaseDD;
+    if (data::AbrirBaseDeDatos(cn_, bd.cMiBase)) return true;
+    ultimoError_ = "No se pudo abrir la base de datos de la empresa '" + bd.cMiBase +
+                   "': " + bd.UltimoError() + ". " +
+                   (data::EsServidorInalcanzable(bd.UltimoCodigo())
+                        ? data::ConsejoServidor()
+                        : std::string("Revise los datos de conexión."));
+    session::Mensaje(ultimoError_, Caption, host::Icono::Critico);
+    return false;
 }
 
 void FormaReporte::FechasPorOmision() {
@@ -181,8 +196,13 @@ void FormaReporte::Avisa(const std::string& texto) {
 bool FormaReporte::RevisaEntradas() {
     for (const Control* c : Controles()) {
         if (c->Tipo() != host::TipoControl::Texto || !c->Visible || !c->Enabled) continue;
-        if (!detail::RompeLiteral(c->Text)) continue;
         const std::string dato = c->Caption.empty() ? c->NombreCompleto() : c->Caption;
+        if (detail::TextoInvalido(c->Text)) {
+            Avisa("El dato '" + dato + "' tiene caracteres que no son texto válido (UTF-8). " +
+                  "Corríjalo y vuelva a imprimir.");
+            return false;
+        }
+        if (!detail::RompeLiteral(c->Text)) continue;
         Avisa("El dato '" + dato + "' no puede llevar comillas simples (') ni diagonales " +
               "invertidas (\\). Corríjalo y vuelva a imprimir.");
         return false;
@@ -299,8 +319,14 @@ void FormaReporte::BorraTablas(std::string& problemas) {
         try {
             data::BorraTablaTrabajo(cn_, tabla);
         } catch (const std::exception& e) {
-            problemas +=
-                "\nNo se pudo borrar la tabla de trabajo " + tabla + ": " + detail::Motivo(e);
+            // With the server gone, the reason was said already: the table is cleaned later.
+            const auto* d = dynamic_cast<const host::ErrorDatos*>(&e);
+            if (d && data::EsServidorInalcanzable(d->Codigo()))
+                problemas += "\nLa tabla de trabajo " + tabla +
+                             " quedó en el servidor; se borrará en la próxima impresión.";
+            else
+                problemas +=
+                    "\nNo se pudo borrar la tabla de trabajo " + tabla + ": " + detail::Motivo(e);
         }
     }
     tablas_.clear();
@@ -311,19 +337,32 @@ bool FormaReporte::Imprime() {
     session::solicitud().Limpia();
     ultimoError_.clear();
     causaError_.clear();
+    // Without the company database the filters cannot be checked: its failure is the only
+    // message (the dates it would have filled in are not the user's fault).
+    if (!cn_) {
+        if (!session::sesion().BaseDD) {
+            Avisa(
+                "No se pudo generar el reporte: la sesión no tiene objeto de acceso a datos "
+                "(BaseDD)");
+            return false;
+        }
+        if (!AbreEmpresa()) {
+            session::HuboError() = true;
+            return false;
+        }
+    }
     paso_ = "revisar los datos";
     if (!RevisaEntradas() || !RevisaFechas()) return false;
+    // Work tables left by prints that died (process killed, server restarted) go now.
+    try {
+        data::BorraTablasHuerfanas(*session::sesion().BaseDD, cn_);
+    } catch (const std::exception&) {
+        // They stay for the next print; this one does not depend on it.
+    }
 
     std::string fallo;            // the step that failed and why; empty when all went well
     bool enteroDelMotor = false;  // the runner's message already names the report and the cause
     try {
-        if (!cn_) {
-            Paso("abrir la base de datos de la empresa");
-            auto& bd = detail::Base(paso_);
-            if (!data::AbrirBaseDeDatos(cn_, bd.cMiBase)) {
-                throw ErrorPaso(paso_, bd.UltimoError());
-            }
-        }
         Imprimir();
         if (session::HuboError()) {
             fallo = "al " + paso_ + ": " +

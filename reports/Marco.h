@@ -58,7 +58,7 @@ class FormaReporte : public FormaBasica {
 
     // The company database opened on load.
     const host::Conexion& ConexionEmpresa() const { return cn_; }
-    // The local work file: RutaTanzo + "Auxiliar.mdb".
+    // The local work file: "Auxiliar.mdb" in the process's private folder.
     static std::string ArchivoLocal();
     // 0 screen, 1 printer, 2 file, from optDispos.
     std::int16_t Destino() const;
@@ -109,6 +109,8 @@ class FormaReporte : public FormaBasica {
     void Unload() final;
 
   private:
+    // Opens the company database; on failure says why (once) and answers false.
+    bool AbreEmpresa();
     void ConectaEventos();
     void FechasPorOmision();
     void EligeDestino(std::int16_t opcion);
@@ -150,6 +152,8 @@ class FormularioPareado : public FormaReporte {
 namespace detail {
 // True when a text holds a single quote or a backslash, which would break a quoted SQL literal.
 bool RompeLiteral(const std::string& texto);
+// True when a text is not valid UTF-8 (it would reach the report's files as it is).
+bool TextoInvalido(const std::string& texto);
 }  // namespace detail
 
 }  // namespace paratzorep::reports

@@ -60,4 +60,35 @@ std::string EscapaSQL(std::string_view s) {
     return r;
 }
 
+bool EsUtf8Valido(std::string_view s) {
+    std::size_t i = 0;
+    while (i < s.size()) {
+        const auto c = static_cast<unsigned char>(s[i]);
+        std::size_t n = 0;
+        unsigned minimo = 0, valor = 0;
+        if (c < 0x80) {
+            ++i;
+            continue;
+        } else if ((c & 0xE0) == 0xC0) {
+            n = 1, minimo = 0x80, valor = c & 0x1F;
+        } else if ((c & 0xF0) == 0xE0) {
+            n = 2, minimo = 0x800, valor = c & 0x0F;
+        } else if ((c & 0xF8) == 0xF0) {
+            n = 3, minimo = 0x10000, valor = c & 0x07;
+        } else {
+            return false;
+        }
+        if (i + n >= s.size()) return false;  // cut short
+        for (std::size_t k = 1; k <= n; ++k) {
+            const auto b = static_cast<unsigned char>(s[i + k]);
+            if ((b & 0xC0) != 0x80) return false;
+            valor = (valor << 6) | (b & 0x3F);
+        }
+        if (valor < minimo || valor > 0x10FFFF || (valor >= 0xD800 && valor <= 0xDFFF))
+            return false;
+        i += n + 1;
+    }
+    return true;
+}
+
 }  // namespace paratzorep::toolkit::detail

@@ -16,5 +16,7 @@ bool IgualesSinCaso(std::string_view a, std::string_view b);
 std::string Reemplaza(std::string_view s, std::string_view buscado, std::string_view nuevo);
 // A text made safe inside a single-quoted SQL literal (quote and backslash doubled/escaped).
 std::string EscapaSQL(std::string_view s);
+// Whether a text is well-formed UTF-8 (no stray, overlong or surrogate sequences).
+bool EsUtf8Valido(std::string_view s);
 
 }  // namespace paratzorep::toolkit::detail
