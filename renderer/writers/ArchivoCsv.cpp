@@ -1,5 +1,6 @@
 #include "renderer/writers/ArchivoCsv.h"
 
+#include <cerrno>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -139,9 +140,9 @@ void ArchivoCsv::Fila(std::span<const CeldaTabla> celdas) {
         }
     }
     linea_ += "\r\n";
+    errno = 0;
     archivo_->flujo() << linea_;
-    if (!archivo_->flujo())
-        throw ErrorEscritura("No se pudo escribir el archivo", archivo_->destino().string());
+    if (!archivo_->flujo()) archivo_->FallaEscritura();
 }
 
 void ArchivoCsv::Cerrar() {

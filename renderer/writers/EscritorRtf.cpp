@@ -1,6 +1,7 @@
 #include "renderer/writers/EscritorRtf.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
 #include <utility>
 
@@ -204,8 +205,9 @@ EscritorRtf::~EscritorRtf() = default;
 
 void EscritorRtf::Escribir(const std::string& texto) {
     auto& f = archivo_->flujo();
+    errno = 0;
     f << texto;
-    if (!f) throw ErrorEscritura("No se pudo escribir el archivo", ruta_.string());
+    if (!f) archivo_->FallaEscritura();
 }
 
 void EscritorRtf::Inicia(const Documento& documento) {

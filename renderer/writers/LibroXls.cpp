@@ -554,8 +554,11 @@ void LibroXls::Cerrar() {
         }};
     ArchivoSalida archivo(archivo_);
     try {
+        errno = 0;
         EscribirCfb(archivo.flujo(), {libro});
     } catch (const ErrorEscritura& e) {
+        // A stream that failed is the system's doing; anything else is the format's.
+        if (!archivo.flujo()) archivo.FallaEscritura();
         throw ErrorEscritura("No se pudo escribir el libro de Excel", archivo_.string(), e.what());
     }
     archivo.Confirmar();

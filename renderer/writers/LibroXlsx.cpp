@@ -1,11 +1,14 @@
 #include "renderer/writers/LibroXlsx.h"
 
+#include <fcntl.h>
+#include <unistd.h>
 #include <xlsxwriter.h>
 #include <zlib.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
+#include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <system_error>
@@ -17,6 +20,45 @@
 
 namespace paratzorep::renderer {
 namespace detail {
+
+// Runs `f` with the process's stderr closed: libxlsxwriter prints its failures there in
+// English, and the writer reports them itself.
+template <class F>
+void SinMensajesDeLaBiblioteca(F f) {
+    std::fflush(stderr);
+    const int guardado = ::dup(2);
+    const int nulo = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+    if (guardado >= 0 && nulo >= 0) ::dup2(nulo, 2);
+    if (nulo >= 0) ::close(nulo);
+    f();
+    std::fflush(stderr);
+    if (guardado >= 0) {
+        ::dup2(guardado, 2);
+        ::close(guardado);
+    }
+}
+
+// The reason of a libxlsxwriter failure: the system's when the library's came from a failed call.
+std::string CausaXlsx(lxw_error error, const std::string& causaSistema) {
+    switch (error) {
+        case LXW_ERROR_MEMORY_MALLOC_FAILED:
+            return "sin memoria";
+        case LXW_ERROR_CREATING_XLSX_FILE:
+        case LXW_ERROR_CREATING_TMPFILE:
+        case LXW_ERROR_READING_TMPFILE:
+        case LXW_ERROR_ZIP_FILE_OPERATION:
+        case LXW_ERROR_ZIP_FILE_ADD:
+        case LXW_ERROR_ZIP_CLOSE:
+            return causaSistema;
+        case LXW_ERROR_WORKSHEET_INDEX_OUT_OF_RANGE:
+            return "la celda queda fuera de la hoja";
+        case LXW_ERROR_MAX_STRING_LENGTH_EXCEEDED:
+            return "el texto es más largo de lo que admite una celda";
+        default:
+            return "error " + std::to_string(static_cast<int>(error)) + " de libxlsxwriter";
+    }
+}
+
 namespace {
 
 constexpr std::size_t kLargoMaximoTexto = 32767;  // characters per cell
@@ -178,31 +220,21 @@ void VerificarXlsx(const std::filesystem::path& archivo, const std::filesystem::
 LibroXlsx::LibroXlsx(std::filesystem::path archivo, std::string nombreHoja,
                      std::uint32_t filasPorHoja)
     : archivo_(std::move(archivo)),
-      parcial_(detail::RutaParcial(archivo_)),
+      parcial_(archivo_),
       nombreHoja_(detail::NombreHojaValido(nombreHoja)),
       filasPorHoja_(std::clamp<std::uint32_t>(filasPorHoja, 2, kFilasPorHoja)) {
-    if (archivo_.empty()) throw ErrorEscritura("No se indicó el nombre del archivo");
-    // libxlsxwriter creates its file only when the workbook closes, and then reports a failure
-    // in English on stderr: make sure here, as every writer does, that the file can be made.
-    errno = 0;
-    if (!std::ofstream(parcial_, std::ios::binary | std::ios::trunc)) {
-        throw ErrorEscritura("No se pudo crear el archivo", archivo_.string(),
-                             errno ? std::strerror(errno) : "no se pudo abrir");
-    }
+    // libxlsxwriter creates its file only when the workbook closes: the partial file, made
+    // here, shows as every writer does that the file can be made.
     lxw_workbook_options opciones{};
     opciones.constant_memory = LXW_TRUE;
-    libro_ = workbook_new_opt(parcial_.string().c_str(), &opciones);
+    libro_ = workbook_new_opt(parcial_.ruta().string().c_str(), &opciones);
     if (libro_ == nullptr)
         throw ErrorEscritura("No se pudo crear el libro de Excel", archivo_.string());
     estilos_.push_back(EstiloCelda{});
 }
 
 LibroXlsx::~LibroXlsx() {
-    if (libro_ != nullptr) {
-        workbook_close(libro_);
-        std::error_code ec;
-        std::filesystem::remove(parcial_, ec);
-    }
+    if (libro_ != nullptr) detail::SinMensajesDeLaBiblioteca([&] { workbook_close(libro_); });
 }
 
 int LibroXlsx::Estilo(const EstiloCelda& estilo) {
@@ -323,7 +355,7 @@ void LibroXlsx::EscribirFila(std::span<const CeldaTabla> celdas) {
         }
         if (error != LXW_NO_ERROR)
             throw ErrorEscritura("No se pudo escribir una celda del libro de Excel",
-                                 archivo_.string(), lxw_strerror(error));
+                                 archivo_.string(), detail::CausaXlsx(error, {}));
         conDatos = true;
     }
     if (conDatos) ++filasConDatos_.back();
@@ -351,23 +383,24 @@ void LibroXlsx::Cerrar() {
         worksheet_autofilter(hojas_[h], 0, 0, std::max<std::uint32_t>(filasHoja_[h], 1) - 1,
                              static_cast<lxw_col_t>(anchos.size() - 1));
     }
-    lxw_error error = workbook_close(libro_);
+    lxw_error error = LXW_NO_ERROR;
+    errno = 0;
+    detail::SinMensajesDeLaBiblioteca([&] { error = workbook_close(libro_); });
+    const std::string causa = detail::CausaDelSistema();
     libro_ = nullptr;
     cerrado_ = true;
     if (error != LXW_NO_ERROR) {
-        std::error_code ec;
-        std::filesystem::remove(parcial_, ec);
+        parcial_.Descarta();
         throw ErrorEscritura("No se pudo guardar el libro de Excel", archivo_.string(),
-                             lxw_strerror(error));
+                             detail::CausaXlsx(error, causa));
     }
     try {
-        detail::VerificarXlsx(parcial_, archivo_, filasConDatos_);
+        detail::VerificarXlsx(parcial_.ruta(), archivo_, filasConDatos_);
     } catch (...) {
-        std::error_code ec;
-        std::filesystem::remove(parcial_, ec);
+        parcial_.Descarta();
         throw;
     }
-    detail::Reemplazar(parcial_, archivo_);
+    parcial_.Reemplaza();
 }
 
 }  // namespace paratzorep::renderer

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "renderer/writers/ArchivoSalida.h"
 #include "renderer/writers/SalidaTabular.h"
 
 struct lxw_workbook;
@@ -46,7 +47,7 @@ class LibroXlsx : public SalidaTabular {
     lxw_format* Formato(int estilo, CeldaTabla::Tipo tipo);
 
     std::filesystem::path archivo_;
-    std::filesystem::path parcial_;
+    detail::Parcial parcial_;
     std::string nombreHoja_;
     std::uint32_t filasPorHoja_;
     lxw_workbook* libro_ = nullptr;  // owned: closed by Cerrar or the destructor

@@ -2,6 +2,7 @@
 
 #include <cairo-pdf.h>
 
+#include <cerrno>
 #include <filesystem>
 
 #include "renderer/layout/Pintor.h"
@@ -14,22 +15,14 @@ namespace paratzorep::renderer {
 // when the document is complete: a failed run leaves an earlier file as it was.
 struct PdfEscritor::Impl {
     std::string archivo;
-    std::filesystem::path parcial;
+    detail::Parcial parcial;
     Medidor& medidor;
     Documento doc;
     cairo_surface_t* superficie = nullptr;
     cairo_t* cr = nullptr;
-    bool terminado = false;
 
-    Impl(std::string a, Medidor& m)
-        : archivo(std::move(a)), parcial(detail::RutaParcial(archivo)), medidor(m) {}
-    ~Impl() {
-        Libera();
-        if (!terminado) {
-            std::error_code ec;
-            std::filesystem::remove(parcial, ec);
-        }
-    }
+    Impl(std::string a, Medidor& m) : archivo(std::move(a)), parcial(archivo), medidor(m) {}
+    ~Impl() { Libera(); }
     void Libera() {
         if (cr) cairo_destroy(cr);
         if (superficie) cairo_surface_destroy(superficie);
@@ -41,9 +34,21 @@ struct PdfEscritor::Impl {
             superficie ? cairo_surface_status(superficie) : CAIRO_STATUS_NULL_POINTER;
         if (st == CAIRO_STATUS_SUCCESS && cr) st = cairo_status(cr);
         if (st != CAIRO_STATUS_SUCCESS) {
-            std::string causa = cairo_status_to_string(st);
+            const std::string causa = Causa(st);
             Libera();
             throw ErrorEscritura(que, archivo, causa);
+        }
+    }
+    // Cairo's own words are English; a failed write keeps the system's reason in errno.
+    static std::string Causa(cairo_status_t st) {
+        switch (st) {
+            case CAIRO_STATUS_WRITE_ERROR:
+            case CAIRO_STATUS_FILE_NOT_FOUND:
+                return detail::CausaDelSistema();
+            case CAIRO_STATUS_NO_MEMORY:
+                return "sin memoria";
+            default:
+                return std::string("error de cairo: ") + cairo_status_to_string(st);
         }
     }
 };
@@ -55,8 +60,9 @@ PdfEscritor::~PdfEscritor() = default;
 
 void PdfEscritor::Inicia(const Documento& documento) {
     impl_->doc = documento;
-    impl_->superficie = cairo_pdf_surface_create(impl_->parcial.c_str(), documento.anchoPagina,
-                                                 documento.altoPagina);
+    errno = 0;
+    impl_->superficie = cairo_pdf_surface_create(impl_->parcial.ruta().c_str(),
+                                                 documento.anchoPagina, documento.altoPagina);
     impl_->Revisa("No se pudo crear el archivo PDF");
     cairo_pdf_surface_set_metadata(impl_->superficie, CAIRO_PDF_METADATA_TITLE,
                                    documento.titulo.c_str());
@@ -67,6 +73,7 @@ void PdfEscritor::Inicia(const Documento& documento) {
 
 void PdfEscritor::Pagina(const renderer::Pagina& pagina) {
     DibujaPagina(impl_->cr, pagina, impl_->doc, impl_->medidor);
+    errno = 0;
     cairo_show_page(impl_->cr);
     impl_->Revisa("No se pudo escribir el archivo PDF");
 }
@@ -75,11 +82,11 @@ void PdfEscritor::Termina() {
     if (!impl_->superficie) return;
     cairo_destroy(impl_->cr);
     impl_->cr = nullptr;
+    errno = 0;
     cairo_surface_finish(impl_->superficie);
     impl_->Revisa("No se pudo terminar el archivo PDF");
     impl_->Libera();
-    detail::Reemplazar(impl_->parcial, impl_->archivo);
-    impl_->terminado = true;
+    impl_->parcial.Reemplaza();
 }
 
 }  // namespace paratzorep::renderer

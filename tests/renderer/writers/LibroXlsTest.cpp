@@ -264,20 +264,6 @@ TEST(NombreContinuacion, CabeEn31CaracteresSinCortarLetras) {
     EXPECT_EQ(detail::NombreContinuacion(enies, 12), esperado + " (12)");
 }
 
-TEST(LibroXlsErrores, UnFalloAlEscribirConservaElArchivoAnterior) {
-    CarpetaTemporal carpeta;
-    auto ruta = carpeta / "reporte.xls";
-    std::ofstream(ruta) << "anterior";
-    // A folder where the partial file should go makes the write fail.
-    std::filesystem::create_directory(detail::RutaParcial(ruta));
-    LibroXls libro(ruta);
-    EXPECT_THROW(libro.Cerrar(), ErrorEscritura);
-    std::ifstream in(ruta);
-    std::string contenido;
-    in >> contenido;
-    EXPECT_EQ(contenido, "anterior");
-}
-
 // The compound file alone: a regular stream large enough to need DIFAT sectors, a
 // small one in the mini stream and an empty one.
 TEST(Cfb, FlujosGrandesPequenosYVaciosSeLeenIgual) {
