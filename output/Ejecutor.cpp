@@ -239,6 +239,7 @@ void Ejecuta(const std::string& archivoLocal) {
     motor.AnchoPantalla(opcionesEjecucion().anchoPantalla);
     motor.SeparadorPantalla(opcionesEjecucion().separadorPaginas);
     motor.CarpetaVistaPrevia(opcionesEjecucion().carpetaVistaPrevia);
+    motor.ImagenesVistaPrevia(opcionesEjecucion().imagenesVistaPrevia);
     motor.Action(1);
     Ultimo() = motor.Resultado();
 }
@@ -253,14 +254,16 @@ std::string GuardaSinImprimir(const std::filesystem::path& pdf) {
     if (pdf.empty() || !fs::is_regular_file(pdf, ec)) return {};
     const auto& s = session::sesion();
     std::string reporte = fs::path(session::solicitud().Plantilla).stem().string();
-    if (s.RutaPDFs.empty() || reporte.empty()) return pdf.string();
+    // The engine's copy lives in the process's private folder, which goes when it ends: only a
+    // copy that reached the PDF folder is worth naming.
+    if (s.RutaPDFs.empty() || reporte.empty()) return {};
     fs::create_directories(s.RutaPDFs, ec);
     const fs::path destino = NombrePdf(s.RutaPDFs, reporte, std::time(nullptr));
     fs::rename(pdf, destino, ec);
     if (ec) {  // another file system: copy, then remove the temporary one
         ec.clear();
         fs::copy_file(pdf, destino, fs::copy_options::overwrite_existing, ec);
-        if (ec) return pdf.string();
+        if (ec) return {};
         fs::remove(pdf, ec);
     }
     return destino.string();

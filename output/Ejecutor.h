@@ -33,7 +33,8 @@ struct OpcionesEjecucion {
     std::ostream* salidaPantalla = nullptr;  // destination 0: text pages go here
     int anchoPantalla = 0;                   // ... fitted to these columns (0: as laid out)
     std::string separadorPaginas = "\f";     // ... and separated by this
-    std::string carpetaVistaPrevia;  // preview PNG pages ("" = a folder under the temp folder)
+    std::string carpetaVistaPrevia;   // preview PNG pages ("" = a folder under the private folder)
+    bool imagenesVistaPrevia = true;  // false: the preview is the text pages alone
 };
 OpcionesEjecucion& opcionesEjecucion();
 

@@ -11,7 +11,9 @@
 #include <filesystem>
 #include <iostream>
 
+#include "host/Proceso.h"
 #include "renderer/TiposArchivo.h"
+#include "renderer/data/Consulta.h"
 #include "renderer/formula/Evaluador.h"
 #include "renderer/formula/Formula.h"
 #include "renderer/impresion/Impresora.h"
@@ -233,10 +235,32 @@ class FuenteEvaluada : public FuenteFilas, private formula::Contexto {
     Avisador& avisador_;
 };
 
-std::string CarpetaTemporal() {
-    const char* t = std::getenv("TMPDIR");
-    return t && *t ? t : "/tmp";
-}
+// Removes a temporary file when the run ends, and if the process is interrupted first.
+class ArchivoTemporal {
+  public:
+    explicit ArchivoTemporal(std::filesystem::path ruta)
+        : ruta_(std::move(ruta)), limpieza_([r = ruta_]() -> std::string {
+              std::error_code ec;
+              std::filesystem::remove(r, ec);
+              return "";
+          }) {}
+    ~ArchivoTemporal() {
+        if (conservar_) return;
+        std::error_code ec;
+        std::filesystem::remove(ruta_, ec);
+    }
+    const std::filesystem::path& ruta() const { return ruta_; }
+    // Left where it is (it goes with the private folder).
+    void Conserva() {
+        conservar_ = true;
+        limpieza_.Libera();
+    }
+
+  private:
+    std::filesystem::path ruta_;
+    host::Limpieza limpieza_;
+    bool conservar_ = false;
+};
 
 }  // namespace detail
 
@@ -418,25 +442,35 @@ void Motor::Renderiza() {
 
     detail::Avisador avisador(avance_, intervaloAvance_);
     avisador.Empieza(AvanceMotor::Fase::Leyendo);
-    DatosAbiertos datos = proveedor_(consulta);
+    DatosAbiertos datos;
+    try {
+        datos = proveedor_(consulta);
+    } catch (const data::ErrorNombre& e) {
+        // A name the database lacks: the template's line that uses it, or the request's part.
+        const int linea = LineaQueNombra(p, e.tabla(), e.campo());
+        if (linea > 0 || e.campo().empty()) throw ErrorPlantilla(p.archivo, linea, 0, e.detalle());
+        throw ErrorMotor(
+            "La fórmula de selección o el orden del reporte nombran un campo que no "
+            "existe: " +
+            e.detalle());
+    }
     if (!datos.cursor) throw ErrorMotor("El origen de datos no entregó filas para el reporte");
     detail::FuenteEvaluada fuente(
         *datos.cursor, p, parametros,
         datos.seleccionAplicada || seleccion.vacia() ? nullptr : &seleccion, avisador);
-    ListaPaginas lista;
+    ListaPaginas lista(host::CarpetaPrivada().string());
     static std::atomic<int> contador{0};
     std::string carpetaVista;
-    if (destino_ == 0) {
+    const bool imagenes = destino_ == 0 && imagenesVista_;
+    if (imagenes) {
         carpetaVista = carpetaVista_;
-        if (carpetaVista.empty())
-            carpetaVista = detail::CarpetaTemporal() + "/tzorep-vista-" + std::to_string(getpid()) +
-                           "-" + std::to_string(++contador);
+        if (carpetaVista.empty()) carpetaVista = host::SubcarpetaPrivada("vista").string();
     }
     maquetador.AlCerrarPagina([&](int paginas) {
         avisador.Pagina(paginas);
         // The first page is shown as soon as it is laid out, its total still unknown;
         // the replay below writes it again with the total.
-        if (destino_ != 0 || paginas != 1) return;
+        if (!imagenes || paginas != 1) return;
         PngEscritor png(carpetaVista, medidor);
         const std::string pendiente = "…";
         png.Inicia(maquetador.DocumentoSalida());
@@ -466,19 +500,30 @@ void Motor::Renderiza() {
     if (!titulo_.empty()) doc.titulo = titulo_;
 
     if (destino_ == 0) {
-        PngEscritor png(carpetaVista, medidor);
         TxtEscritor txt(salidaPantalla_ ? *salidaPantalla_ : std::cout, separadorPantalla_);
         txt.AjustaA(anchoPantalla_);
-        lista.Reproduce(doc, medidor, {&png, &txt}, escrita);
-        for (int i = 1; i <= r.paginas; ++i) resultado_.archivos.push_back(png.ArchivoPagina(i));
+        if (imagenes) {
+            PngEscritor png(carpetaVista, medidor);
+            lista.Reproduce(doc, medidor, {&png, &txt}, escrita);
+            for (int i = 1; i <= r.paginas; ++i)
+                resultado_.archivos.push_back(png.ArchivoPagina(i));
+        } else {
+            lista.Reproduce(doc, medidor, {&txt}, escrita);
+        }
     } else if (destino_ == 1) {
-        std::string pdf = detail::CarpetaTemporal() + "/tzorep-impresion-" +
-                          std::to_string(getpid()) + "-" + std::to_string(++contador) + ".pdf";
-        PdfEscritor escritor(pdf, medidor);
+        // Only this process can read the document on its way to the printer, and it goes
+        // when the printer took it; one the printer refused stays (in the private folder) for
+        // the host to keep.
+        detail::ArchivoTemporal pdf(host::CarpetaPrivada() /
+                                    ("impresion-" + std::to_string(++contador) + ".pdf"));
+        PdfEscritor escritor(pdf.ruta().string(), medidor);
         lista.Reproduce(doc, medidor, {&escritor}, escrita);
-        imprimir_(pdf, impresora_, copias_ < 1 ? 1 : copias_, doc.titulo);
-        std::error_code ec;
-        std::filesystem::remove(pdf, ec);
+        try {
+            imprimir_(pdf.ruta().string(), impresora_, copias_ < 1 ? 1 : copias_, doc.titulo);
+        } catch (const ErrorImpresion&) {
+            pdf.Conserva();
+            throw;
+        }
     } else if (tabla) {
         // The table was written while the rows were read.
         tabla->Termina();

@@ -1,6 +1,8 @@
 // The report engine object: the properties that the report runner sets, and Action = 1,
 // which reads the rows once, lays the report out and sends it to the screen (PNG preview
-// pages plus text pages on the standard output), to a printer or to a file.
+// pages plus text pages on the standard output), to a printer or to a file. Its temporary
+// files (the preview's pages unless a folder is given, the PDF sent to a printer) live in the
+// process's private folder and are removed whatever way the run ends.
 #pragma once
 
 #include <functional>
@@ -136,8 +138,12 @@ class Motor {
     // The writer of a file type: over the laid-out pages, or over the report's data (tables).
     void RegistraEscritor(int codigo, FabricaEscritor fabrica);
     void RegistraTabla(int codigo, FabricaTabla fabrica);
+    // The screen preview's PNG pages: written into this folder, or into one of the process's
+    // private folder (removed when the process ends) when it is "", or not at all when
+    // ImagenesVistaPrevia(false) (the text pages alone, as a command line wants them).
     void CarpetaVistaPrevia(const std::string& carpeta) { carpetaVista_ = carpeta; }
     const std::string& CarpetaVistaPrevia() const { return carpetaVista_; }
+    void ImagenesVistaPrevia(bool si) { imagenesVista_ = si; }
     void SalidaPantalla(std::ostream* salida) { salidaPantalla_ = salida; }
     // The screen's text pages: fitted to `columnas` where the layout allows (0: the report's
     // own width), separated by `separador` (a form feed by default).
@@ -177,6 +183,7 @@ class Motor {
     std::map<int, FabricaEscritor> fabricas_;
     std::map<int, FabricaTabla> fabricasTabla_;
     std::string carpetaVista_;
+    bool imagenesVista_ = true;
     std::ostream* salidaPantalla_ = nullptr;
     int anchoPantalla_ = 0;
     std::string separadorPantalla_ = "\f";
