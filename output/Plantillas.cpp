@@ -2,11 +2,16 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <iterator>
 #include <stdexcept>
 
 #include "host/Interaccion.h"
 #include "host/Menu.h"
 #include "host/Recordset.h"
+#include "renderer/template/Plantilla.h"
 #include "session/Sesion.h"
 #include "session/SuModulo.h"
 #include "toolkit/BitacoraUsuarios.h"
@@ -205,9 +210,21 @@ std::string EditaPlantilla(const std::string& archivo, std::int16_t estiloVentan
 
 // --- Loading and listing ------------------------------------------------------------------------
 
+void RevisaPlantilla(const std::filesystem::path& ruta) {
+    if (toolkit::detail::Minusculas(ruta.extension().string()) != ".rpt") return;
+    std::ifstream in(ruta, std::ios::binary);
+    if (!in)
+        throw std::runtime_error("No se pudo leer el archivo " + ruta.string() + ": " +
+                                 std::strerror(errno));
+    const std::string texto((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    renderer::LeePlantillaTexto(texto, ruta.filename().string());
+}
+
 int GuardaPlantilla(const host::Conexion& cn, const std::filesystem::path& ruta,
                     const std::string& tabla) {
     detail::ExigeTabla(tabla);
+    // A template that cannot be read would make every print of its report fail.
+    RevisaPlantilla(ruta);
     auto cb = detail::Almacen(cn, tabla);
     return cb->Guarda(ruta.string(), ruta.filename().string());
 }
@@ -226,6 +243,17 @@ std::vector<std::string> ImportaPlantillas(const host::Conexion& cn,
     }
     if (ec) throw std::runtime_error("No se pudo leer la carpeta " + carpeta.string());
     std::sort(rutas.begin(), rutas.end());
+    // All or nothing: every template is read before any is stored.
+    std::string errores;
+    for (const auto& r : rutas) {
+        try {
+            RevisaPlantilla(r);
+        } catch (const std::exception& e) {
+            errores += std::string("\n  ") + e.what();
+        }
+    }
+    if (!errores.empty())
+        throw std::runtime_error("No se guardó ninguna plantilla; corrija estas:" + errores);
     std::vector<std::string> guardadas;
     for (const auto& r : rutas) {
         GuardaPlantilla(cn, r, tabla);

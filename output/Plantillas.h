@@ -70,11 +70,15 @@ struct PlantillaGuardada {
     std::int32_t piezas = 0;
 };
 
-// Stores the local file under its name part, cut into pieces; returns the number of pieces.
+// Reads a ".rpt" file as a template: one that cannot be read throws renderer::ErrorPlantilla with
+// the file's line and column (other files pass unread).
+void RevisaPlantilla(const std::filesystem::path& ruta);
+// Stores the local file under its name part, cut into pieces; returns the number of pieces. A
+// ".rpt" is read as a template first and refused (ErrorPlantilla) when it cannot be.
 int GuardaPlantilla(const host::Conexion& cn, const std::filesystem::path& ruta,
                     const std::string& tabla = kTablaPlantillas);
 // Stores every ".rpt" (any letter case) of a folder, in name order; returns the names stored.
-// A missing folder throws.
+// A missing folder throws; so does any template that cannot be read, and then none is stored.
 std::vector<std::string> ImportaPlantillas(const host::Conexion& cn,
                                            const std::filesystem::path& carpeta,
                                            const std::string& tabla = kTablaPlantillas);

@@ -57,6 +57,45 @@ namespace detail {
 
 constexpr double kPuntosPorMm = 72.0 / 25.4;
 
+// pugixml's reasons, in the user's language.
+std::string DescripcionXml(pugi::xml_parse_status estado) {
+    switch (estado) {
+        case pugi::status_no_document_element:
+            return "no hay ningún elemento: ¿el archivo está vacío o no es XML?";
+        case pugi::status_unrecognized_tag:
+            return "etiqueta no reconocida";
+        case pugi::status_bad_pi:
+            return "instrucción de proceso mal formada";
+        case pugi::status_bad_comment:
+            return "comentario mal formado";
+        case pugi::status_bad_cdata:
+            return "sección CDATA mal formada";
+        case pugi::status_bad_doctype:
+            return "declaración de tipo de documento mal formada";
+        case pugi::status_bad_pcdata:
+            return "texto mal formado";
+        case pugi::status_bad_start_element:
+            return "etiqueta de apertura mal formada";
+        case pugi::status_bad_attribute:
+            return "atributo mal formado";
+        case pugi::status_bad_end_element:
+            return "etiqueta de cierre mal formada";
+        case pugi::status_end_element_mismatch:
+            return "la etiqueta de cierre no corresponde a la abierta, o falta (¿archivo cortado?)";
+        case pugi::status_out_of_memory:
+            return "sin memoria";
+        default:
+            return "error de lectura";
+    }
+}
+
+bool ContieneSinCaso(std::string_view texto, std::string_view buscado) {
+    if (buscado.empty() || buscado.size() > texto.size()) return false;
+    for (std::size_t i = 0; i + buscado.size() <= texto.size(); ++i)
+        if (MismoNombre(texto.substr(i, buscado.size()), buscado)) return true;
+    return false;
+}
+
 // Walks the XML tree keeping the source text, so that every complaint names its line
 // and column.
 class Lector {
@@ -69,8 +108,9 @@ class Lector {
         if (!res) {
             auto [l, c] = Posicion(static_cast<std::size_t>(std::max<ptrdiff_t>(res.offset, 0)));
             throw ErrorPlantilla(archivo_, l, c,
-                                 std::string("el XML no es válido (") + res.description() + ")");
+                                 "el XML no es válido (" + DescripcionXml(res.status) + ")");
         }
+        AtributosUnicos(doc_);
         pugi::xml_node raiz = doc_.document_element();
         if (std::strcmp(raiz.name(), "reporte") != 0)
             Falla(raiz, "se esperaba el elemento <reporte> y se encontró <" +
@@ -103,7 +143,7 @@ class Lector {
                 if (!vistas.insert(nombre).second) Falla(n, "<" + nombre + "> está repetido");
             } else if (nombre == "tabla") {
                 Atributos(n, {"nombre", "archivo"});
-                TablaPlantilla t{Requerido(n, "nombre"), n.attribute("archivo").value()};
+                TablaPlantilla t{Requerido(n, "nombre"), n.attribute("archivo").value(), Linea(n)};
                 for (const auto& otra : p.tablas)
                     if (MismoNombre(otra.nombre, t.nombre))
                         Falla(n, "la tabla '" + t.nombre + "' está repetida");
@@ -122,10 +162,11 @@ class Lector {
                 u.tabla = Requerido(n, "tabla");
                 u.campoIzquierdo = Referencia(n, Requerido(n, "de"));
                 u.campoDerecho = Referencia(n, Requerido(n, "a"));
+                u.linea = Linea(n);
                 p.uniones.push_back(std::move(u));
             } else if (nombre == "formula") {
                 Atributos(n, {"nombre"});
-                FormulaPlantilla f{Requerido(n, "nombre"), n.text().get()};
+                FormulaPlantilla f{Requerido(n, "nombre"), n.text().get(), Linea(n)};
                 if (p.BuscaFormula(f.nombre))
                     Falla(n, "la fórmula '" + f.nombre + "' está repetida");
                 p.formulas.push_back(std::move(f));
@@ -135,6 +176,7 @@ class Lector {
             } else if (nombre == "orden") {
                 Atributos(n, {});
                 p.orden.push_back(n.text().get());
+                p.lineasOrden.push_back(Linea(n));
             } else if (nombre == "grupo") {
                 p.grupos.push_back(LeeGrupo(n, static_cast<int>(p.grupos.size()) + 1));
             } else if (nombre == "encabezadoReporte") {
@@ -158,7 +200,7 @@ class Lector {
             bool hay = std::any_of(p.tablas.begin(), p.tablas.end(),
                                    [&](const auto& t) { return MismoNombre(t.nombre, u.tabla); });
             if (!hay)
-                throw ErrorPlantilla(archivo_, 0, 0,
+                throw ErrorPlantilla(archivo_, u.linea, 0,
                                      "la unión nombra la tabla '" + u.tabla +
                                          "', que no está declarada con <tabla>");
         }
@@ -188,6 +230,19 @@ class Lector {
 
     int Linea(const pugi::xml_node& n) const {
         return Posicion(static_cast<std::size_t>(std::max<ptrdiff_t>(n.offset_debug(), 0))).first;
+    }
+
+    // An attribute given twice: which one would count is anybody's guess.
+    void AtributosUnicos(const pugi::xml_node& n) const {
+        for (pugi::xml_node h : n.children()) {
+            if (h.type() != pugi::node_element) continue;
+            std::set<std::string_view> vistos;
+            for (pugi::xml_attribute a : h.attributes())
+                if (!vistos.insert(a.name()).second)
+                    Falla(h, "el atributo '" + std::string(a.name()) + "' está repetido en <" +
+                                 std::string(h.name()) + ">");
+            AtributosUnicos(h);
+        }
     }
 
     // Every attribute must be one the element knows: a misspelt name is an error, never
@@ -350,6 +405,7 @@ class Lector {
     GrupoPlantilla LeeGrupo(const pugi::xml_node& n, int nivel) {
         Atributos(n, {"campo", "formula", "orden", "juntos", "paginaNueva", "repetirEncabezado"});
         GrupoPlantilla g;
+        g.linea = Linea(n);
         bool campo = n.attribute("campo"), formula = n.attribute("formula");
         if (campo == formula) Falla(n, "un grupo lleva 'campo' o 'formula' (uno de los dos)");
         g.esFormula = formula;
@@ -583,6 +639,43 @@ class Lector {
 };
 
 }  // namespace detail
+
+int LineaQueNombra(const Plantilla& p, std::string_view tabla, std::string_view campo) {
+    if (campo.empty()) {
+        for (const auto& t : p.tablas)
+            if (MismoNombre(t.nombre, tabla)) return t.linea;
+        return 0;
+    }
+    const std::string ref = std::string(tabla) + "." + std::string(campo);
+    const std::string llaves = "{" + ref + "}";
+    int linea = 0;
+    auto anota = [&](int l) {
+        if (l > 0 && (linea == 0 || l < linea)) linea = l;
+    };
+    auto seccion = [&](const SeccionPlantilla& s) {
+        for (const auto& e : s.elementos) {
+            if ((e.tipo == TipoElemento::Campo ||
+                 (e.tipo == TipoElemento::Resumen && !e.resumenDeFormula)) &&
+                MismoNombre(e.valor, ref))
+                anota(e.linea);
+        }
+    };
+    for (const auto* s :
+         {&p.encabezadoReporte, &p.encabezadoPagina, &p.detalle, &p.piePagina, &p.pieReporte})
+        seccion(*s);
+    for (const auto& g : p.grupos) {
+        if (!g.esFormula && MismoNombre(g.valor, ref)) anota(g.linea);
+        seccion(g.encabezado);
+        seccion(g.pie);
+    }
+    for (const auto& f : p.formulas)
+        if (detail::ContieneSinCaso(f.expresion, llaves)) anota(f.linea);
+    for (const auto& u : p.uniones)
+        if (MismoNombre(u.campoIzquierdo, ref) || MismoNombre(u.campoDerecho, ref)) anota(u.linea);
+    for (std::size_t i = 0; i < p.orden.size() && i < p.lineasOrden.size(); ++i)
+        if (detail::ContieneSinCaso(p.orden[i], llaves)) anota(p.lineasOrden[i]);
+    return linea;
+}
 
 Plantilla LeePlantillaTexto(std::string_view xml, const std::string& archivo) {
     detail::Lector lector(xml, archivo);

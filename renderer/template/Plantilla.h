@@ -47,6 +47,7 @@ struct ConfigPagina {
 struct TablaPlantilla {
     std::string nombre;
     std::string archivo;
+    int linea = 0;  // in the template file, for messages
     bool EsLocal() const { return !archivo.empty(); }
     // The name the engine shows as this table's data file (DataFiles).
     std::string ArchivoDatos() const { return EsLocal() ? archivo : nombre; }
@@ -60,11 +61,13 @@ struct UnionPlantilla {
     std::string tabla;
     std::string campoIzquierdo;
     std::string campoDerecho;
+    int linea = 0;
 };
 
 struct FormulaPlantilla {
     std::string nombre;
     std::string expresion;  // in the formula language; a request formula replaces it
+    int linea = 0;
 };
 
 struct ParametroPlantilla {
@@ -132,6 +135,7 @@ struct GrupoPlantilla {
     bool paginaNueva = false;  // each group starts a new page
     bool repetirEncabezado =
         false;  // the header prints again atop each page the group continues on
+    int linea = 0;
     SeccionPlantilla encabezado;
     SeccionPlantilla pie;
 };
@@ -147,6 +151,7 @@ struct Plantilla {
     std::vector<FormulaPlantilla> formulas;
     std::vector<ParametroPlantilla> parametros;
     std::vector<std::string> orden;      // the template's own sort fields ("+{t.f}", "-{t.f}")
+    std::vector<int> lineasOrden;        // the line of each
     std::vector<GrupoPlantilla> grupos;  // outermost first
     SeccionPlantilla encabezadoReporte;
     SeccionPlantilla encabezadoPagina;
@@ -161,7 +166,13 @@ struct Plantilla {
     FormulaPlantilla* BuscaFormula(std::string_view nombre);
 };
 
-// Reads a template from XML text; `archivo` names it in error messages.
+// The first line of the template that names the field tabla.campo (an element, a formula, a
+// group, a join, a sort field), or that declares the table when `campo` is empty; 0 when none
+// does (names compare without regard to letter case).
+int LineaQueNombra(const Plantilla& p, std::string_view tabla, std::string_view campo);
+
+// Reads a template from XML text; `archivo` names it in error messages. Malformed XML, unknown
+// elements or attributes and repeated attributes are refused with their line and column.
 Plantilla LeePlantillaTexto(std::string_view xml, const std::string& archivo);
 // Reads a template file. A missing or unreadable file raises ErrorPlantilla.
 Plantilla LeePlantilla(const std::string& ruta);

@@ -8,6 +8,7 @@
 #include <random>
 
 #include "Entorno.h"
+#include "renderer/template/Plantilla.h"
 #include "support/NombresDeCaso.h"
 
 namespace paratzorep::output::prueba {
@@ -22,14 +23,22 @@ std::string BytesAlAzar(std::size_t n) {
 
 class AlmacenPlantillas : public ConAlmacen {};
 
+// A template that reads, padded with a comment to `n` bytes.
+std::string PlantillaDe(std::size_t n) {
+    std::string s = "<reporte version=\"1\"/><!--";
+    s.resize(n - 3, 'x');
+    return s + "-->";
+}
+
 TEST_F(AlmacenPlantillas, StoredInPiecesAndExtractedByteForByte) {
-    // Three pieces of 60000 bytes, with NUL, quotes and backslashes among them.
+    // Three pieces of 60000 bytes, with NUL, quotes and backslashes among them (a file of the
+    // store that is not a template: templates are read before they are stored).
     const std::string contenido = BytesAlAzar(150001) + "'\\\0\"";
-    Guarda("pedazos.rpt", contenido);
-    EXPECT_EQ(bd->valor("SELECT COUNT(*) FROM reportesbin WHERE Archivo='pedazos.rpt'"), "3");
+    Guarda("pedazos.bin", contenido);
+    EXPECT_EQ(bd->valor("SELECT COUNT(*) FROM reportesbin WHERE Archivo='pedazos.bin'"), "3");
     std::string carpeta = (tmp / "salida").string();
-    const std::string ruta = ExtraePlantilla(cn, "C:\\otra\\pedazos.rpt", carpeta);
-    EXPECT_EQ(ruta, (tmp / "salida" / "pedazos.rpt").string());
+    const std::string ruta = ExtraePlantilla(cn, "C:\\otra\\pedazos.bin", carpeta);
+    EXPECT_EQ(ruta, (tmp / "salida" / "pedazos.bin").string());
     EXPECT_EQ(Lee(ruta), contenido);
 }
 
@@ -127,11 +136,11 @@ TEST_F(AlmacenPlantillas, QuoteInTheTemplateNameDoesNotBreakTheCount) {
 }
 
 TEST_F(AlmacenPlantillas, EditWritesAuxiliaryAndTemplateAndHandsItToTheWatcher) {
-    Guarda("ventas.rpt", "<reporte/>");
+    Guarda("ventas.rpt", "<reporte version=\"1\"/>");
     Guarda("Auxiliar.mdb", "aux");
     const std::string ruta = EditaPlantilla("ventas.rpt", 1, cn, true);
     EXPECT_EQ(ruta, session::sesion().RutaEditaRpts + "ventas.rpt");
-    EXPECT_EQ(Lee(ruta), "<reporte/>");
+    EXPECT_EQ(Lee(ruta), "<reporte version=\"1\"/>");
     EXPECT_EQ(Lee(session::sesion().RutaEditaRpts + "Auxiliar.mdb"), "aux");
     EXPECT_TRUE(menu->mnTimerCrw.Enabled);
     const auto tab = menu->mnTimerCrw.Tag.find('\t');
@@ -143,8 +152,8 @@ TEST_F(AlmacenPlantillas, EditWritesAuxiliaryAndTemplateAndHandsItToTheWatcher) 
 
 TEST_F(AlmacenPlantillas, ImportListExportRoundTrip) {
     std::filesystem::create_directories(tmp / "fuentes");
-    std::ofstream(tmp / "fuentes" / "a.rpt") << "uno";
-    std::ofstream(tmp / "fuentes" / "B.RPT") << BytesAlAzar(70000);
+    std::ofstream(tmp / "fuentes" / "a.rpt") << PlantillaDe(100);
+    std::ofstream(tmp / "fuentes" / "B.RPT") << PlantillaDe(70000);
     std::ofstream(tmp / "fuentes" / "notas.txt") << "no";
     EXPECT_EQ(ImportaPlantillas(cn, tmp / "fuentes"), (std::vector<std::string>{"B.RPT", "a.rpt"}));
     const auto lista = ListaPlantillas(cn);
@@ -157,6 +166,32 @@ TEST_F(AlmacenPlantillas, ImportListExportRoundTrip) {
     ASSERT_EQ(escritas.size(), 2u);
     EXPECT_EQ(Lee(tmp / "copia" / "B.RPT"), Lee(tmp / "fuentes" / "B.RPT"));
     EXPECT_THROW(ImportaPlantillas(cn, tmp / "nohay"), std::runtime_error);
+}
+
+// Broken templates are refused with their line and column, and then none of the folder is
+// stored: an empty file, text that is not XML, a file cut short, a repeated attribute.
+TEST_F(AlmacenPlantillas, BrokenTemplatesAreRefusedAndNothingIsStored) {
+    std::filesystem::create_directories(tmp / "rotas");
+    std::ofstream(tmp / "rotas" / "a-buena.rpt") << PlantillaDe(100);
+    std::ofstream(tmp / "rotas" / "b-vacia.rpt") << "";
+    std::ofstream(tmp / "rotas" / "c-texto.rpt") << "not xml at all";
+    std::ofstream(tmp / "rotas" / "d-cortada.rpt") << "<reporte version=\"1\">\n  <tabla nombre=";
+    std::ofstream(tmp / "rotas" / "e-repetido.rpt")
+        << "<reporte version=\"1\">\n  <tabla nombre=\"a\" nombre=\"b\"/>\n</reporte>";
+    try {
+        ImportaPlantillas(cn, tmp / "rotas");
+        FAIL() << "se esperaba que se rechazaran";
+    } catch (const std::runtime_error& e) {
+        const std::string m = e.what();
+        for (const char* esperado :
+             {"'b-vacia.rpt', línea 1, columna 1: el XML no es válido",
+              "'c-texto.rpt', línea 1, columna 15", "'d-cortada.rpt', línea 2",
+              "'e-repetido.rpt', línea 2, columna 3: el atributo 'nombre' está repetido"})
+            EXPECT_NE(m.find(esperado), std::string::npos) << esperado << "\n" << m;
+        EXPECT_EQ(m.find("a-buena"), std::string::npos) << m;
+    }
+    EXPECT_EQ(bd->valor("SELECT COUNT(*) FROM reportesbin"), "0");
+    EXPECT_THROW(GuardaPlantilla(cn, tmp / "rotas" / "c-texto.rpt"), renderer::ErrorPlantilla);
 }
 
 }  // namespace

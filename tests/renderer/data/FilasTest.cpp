@@ -282,15 +282,41 @@ TEST_F(FilasOdbc, ErroresConContexto) {
         EXPECT_EQ(e.accion(), "conectar con la base de datos del reporte");
         EXPECT_NE(e.codigo(), 0);
     }
+}
+
+// A field or table the database lacks is found before any query is sent, and named as the
+// report names it (the template's line is found from there).
+TEST_F(FilasOdbc, NombresQueFaltanSeDicenAntesDeConsultar) {
+    struct Caso {
+        std::string seleccion;
+        std::string tabla, campo, origen, texto;
+    };
+    const std::vector<Caso> casos = {
+        {"{edoctacli.NoExiste}=1", "edoctacli", "NoExiste", "mov",
+         "Error al leer los datos del reporte: el campo 'edoctacli.NoExiste' no existe en la "
+         "tabla mov"},
+        {"{clientes.nombre}='x'", "", "", "", ""},  // letter case does not matter
+    };
+    for (const auto& c : casos) {
+        SCOPED_TRACE(c.seleccion);
+        try {
+            auto f = abrirOdbc(cs, consulta(c.seleccion));
+            EXPECT_TRUE(c.tabla.empty());
+        } catch (const ErrorNombre& e) {
+            EXPECT_EQ(e.tabla(), c.tabla);
+            EXPECT_EQ(e.campo(), c.campo);
+            EXPECT_EQ(e.origen(), c.origen);
+            EXPECT_EQ(std::string(e.what()), c.texto);
+        }
+    }
+    DescripcionConsulta d = consulta("");
+    d.tablas[1].origen = "noexiste";
     try {
-        auto f = abrirOdbc(cs, consulta("{edoctacli.NoExiste}=1"));
-        f->siguiente();
+        abrirOdbc(cs, d);
         FAIL();
-    } catch (const ErrorDatos& e) {
-        EXPECT_NE(e.sql().find("NoExiste"), std::string::npos);
-        EXPECT_EQ(e.codigo(), 1054);  // unknown column
-        EXPECT_NE(std::string(e.what()).find("Error al leer los datos del reporte"),
-                  std::string::npos);
+    } catch (const ErrorNombre& e) {
+        EXPECT_EQ(e.tabla(), "clientes");
+        EXPECT_EQ(e.campo(), "");
     }
 }
 
@@ -427,6 +453,13 @@ TEST_F(FilasSqlite, FechaCeroYArchivoFaltante) {
     EXPECT_FALSE(f->siguiente());
     EXPECT_FALSE(f->siguiente());
     EXPECT_THROW(abrirSqlite(tmp / "NoHay.mdb", d), ErrorDatos);
+    d.columnas = {{"Titulo100", "Encabezados"}};
+    try {
+        abrirSqlite(archivo, d);
+        FAIL();
+    } catch (const ErrorNombre& e) {
+        EXPECT_EQ(e.campo(), "Encabezados");
+    }
 }
 
 struct CasoArchivos {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include <string>
 
 #include "support/NombresDeCaso.h"
@@ -144,9 +146,37 @@ INSTANTIATE_TEST_SUITE_P(
         CasoError{"MedidaEnorme",
                   kIni + "<detalle><campo ref=\"a.b\" x=\"99999\"/></detalle></reporte>", 2, 10,
                   "mayor que cualquier página"},
-        CasoError{"UnionSinTabla", kIni + "<union tabla=\"b\" de=\"a.x\" a=\"b.x\"/></reporte>", 0,
-                  0, "no está declarada"}),
+        CasoError{"UnionSinTabla", kIni + "<union tabla=\"b\" de=\"a.x\" a=\"b.x\"/></reporte>", 2,
+                  0, "no está declarada"},
+        CasoError{
+            "AtributoRepetido",
+            kIni + "<detalle>\n  <campo ref=\"a.b\" x=\"1\" ref=\"c.d\"/></detalle></reporte>", 3,
+            3, "el atributo 'ref' está repetido en <campo>"},
+        CasoError{"Vacia", "", 1, 1, "no hay ningún elemento"}),
     pruebas::PorNombre());
+
+// The line a message about a missing table or field points at: the first that names it.
+TEST(Plantilla, LineaQueNombraCadaUso) {
+    const Plantilla p =
+        LeePlantillaTexto(kIni +
+                              "<tabla nombre=\"mov\"/>\n"                                  // 2
+                              "<tabla nombre=\"cli\"/>\n"                                  // 3
+                              "<union tabla=\"cli\" de=\"mov.Clave\" a=\"cli.Clave\"/>\n"  // 4
+                              "<formula nombre=\"f\">{mov.Importe} * 2</formula>\n"        // 5
+                              "<orden>+{mov.Fecha}</orden>\n"                              // 6
+                              "<grupo campo=\"cli.Zona\"/>\n"                              // 7
+                              "<detalle>\n"                                                // 8
+                              "<campo ref=\"cli.Nombre\"/>\n"                              // 9
+                              "<resumen campo=\"mov.Importe\"/>\n"                         // 10
+                              "</detalle></reporte>",
+                          "x.rpt");
+    const std::vector<std::tuple<std::string, std::string, int>> casos = {
+        {"cli", "", 3},     {"CLI", "nombre", 9}, {"mov", "Importe", 5}, {"mov", "Fecha", 6},
+        {"cli", "Zona", 7}, {"cli", "Clave", 4},  {"mov", "NoHay", 0},   {"otra", "", 0},
+    };
+    for (const auto& [tabla, campo, linea] : casos)
+        EXPECT_EQ(LineaQueNombra(p, tabla, campo), linea) << tabla << "." << campo;
+}
 
 TEST(Plantilla, ArchivoQueNoExiste) {
     try {
