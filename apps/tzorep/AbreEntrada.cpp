@@ -59,6 +59,7 @@ void MenuCli::ShowForm(std::int16_t, std::shared_ptr<host::Formulario>& forma) {
 host::Respuesta InteraccionCli::Mensaje(const std::string& titulo, const std::string& texto,
                                         host::Icono icono, host::Botones botones) {
     ++mensajes;
+    if (icono == host::Icono::Critico) ++criticos;
     return InteraccionTerminal::Mensaje(titulo, texto, icono, botones);
 }
 

@@ -58,6 +58,7 @@ class InteraccionCli : public InteraccionTerminal {
 
     std::optional<RespuestaArchivo> archivo;
     int mensajes = 0;
+    int criticos = 0;  // messages with the critical icon (a failure, not a notice)
 };
 
 // The words of show and print: the entry, the --set pairs in order and the other options

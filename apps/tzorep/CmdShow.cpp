@@ -176,19 +176,24 @@ int cmdShow(const Contexto& ctx, const std::vector<std::string>& args) {
         json = json || opcion == "--json";
         todos = todos || opcion == "--all";
     }
+    bool fallo = false;
     try {
-        auto abierta = AbreEntrada(ctx, a, std::make_shared<InteraccionCli>());
+        auto interaccion = std::make_shared<InteraccionCli>();
+        auto abierta = AbreEntrada(ctx, a, interaccion);
         if (!FijaDesdeLinea(*abierta.forma, a)) return 2;
         if (json) {
             detail::MuestraJson(*abierta.forma, std::cout);
         } else {
             detail::MuestraTexto(*abierta.forma, todos, std::cout);
         }
+        // The form is shown as it loaded, but a failure while loading (the company database
+        // could not be opened) is a failure of the command.
+        fallo = interaccion->criticos > 0;
     } catch (const std::exception& e) {
         std::cerr << "tzorep: " << e.what() << "\n";
         return 1;
     }
-    return std::cout.flush() ? 0 : 1;
+    return std::cout.flush() && !fallo ? 0 : 1;
 }
 
 }  // namespace paratzorep::cli
