@@ -3,6 +3,7 @@
 #include <errmsg.h>
 #include <mysql.h>
 
+#include <cerrno>
 #include <chrono>
 #include <cstring>
 

@@ -1,5 +1,7 @@
 // tzorep: the command-line host. Parses the global options, resolves the home
 // folder and dispatches to the commands (one source file each).
+#include <libintl.h>
+
 #include <algorithm>
 #include <clocale>
 #include <cstdlib>
@@ -120,6 +122,7 @@ int main(int argc, char** argv) {
     if (mensajes == nullptr || std::strcmp(mensajes, "C") == 0 ||
         std::strcmp(mensajes, "POSIX") == 0)
         std::setlocale(LC_MESSAGES, "C.UTF-8");
+    bind_textdomain_codeset("libc", "UTF-8");
     int estado = 1;
     try {
         estado = paratzorep::cli::detail::principal(argc, argv);

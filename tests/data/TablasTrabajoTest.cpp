@@ -120,5 +120,96 @@ TEST_F(TablasTrabajoTest, ModeloInexistenteLlegaAlLlamador) {
     EXPECT_TRUE(base->ejecutadas.empty());
 }
 
+// The registry of tanzoreportes ties each work table to the connection that created it.
+class RegistroTablas : public TablasTrabajoTest {
+  protected:
+    void SetUp() override {
+        TablasTrabajoTest::SetUp();
+        if (IsSkipped() || HasFatalFailure()) return;
+        bd->ejecutar("CREATE DATABASE IF NOT EXISTS tanzoreportes");
+        bd->ejecutar(kCreaRegistroTablas);
+        otra = pruebas::conectar(*servidor, nombreBase);
+        idOtra = pruebas::valor(otra.get(), "SELECT CONNECTION_ID()").value_or("0");
+    }
+    void TearDown() override {
+        bd->ejecutar("DELETE FROM tanzoreportes.tablastrabajo WHERE Base='" + nombreBase + "'");
+    }
+    // "tabla:conexion" of this database's rows, by name.
+    std::vector<std::string> Registro() {
+        std::vector<std::string> r;
+        for (const auto& f : bd->filas("SELECT Tabla, Conexion FROM tanzoreportes.tablastrabajo "
+                                       "WHERE Base='" +
+                                       nombreBase + "' ORDER BY Tabla"))
+            r.push_back(f[0] + ":" + f[1]);
+        return r;
+    }
+    // A row as another print would leave it.
+    void Registra(const std::string& tabla, const std::string& conexion,
+                  const std::string& arranque =
+                      "NOW() - INTERVAL (SELECT VARIABLE_VALUE FROM "
+                      "information_schema.GLOBAL_STATUS WHERE "
+                      "VARIABLE_NAME='UPTIME') SECOND") {
+        bd->ejecutar(
+            "INSERT INTO tanzoreportes.tablastrabajo (Base, Tabla, Conexion, Arranque, "
+            "Usuario, Creada) VALUES ('" +
+            nombreBase + "', '" + tabla + "', " + conexion + ", " + arranque +
+            ", CURRENT_USER(), NOW())");
+    }
+    std::string IdPropio() {
+        host::Recordset rs;
+        base->RstExecutar(rs, cn, "SELECT CONNECTION_ID()");
+        return rs.Campo(std::size_t{0}).Texto();
+    }
+
+    pruebas::Conexion otra;
+    std::string idOtra;
+};
+
+TEST_F(RegistroTablas, CadaTablaQuedaAtadaASuConexionHastaQueSeBorra) {
+    const std::string nombre = ClonaEstructura(*base, cn, "ventas", false);
+    EXPECT_EQ(Registro(), std::vector<std::string>{nombre + ":" + IdPropio()});
+    BorraTablaTrabajo(*base, cn, nombre);
+    EXPECT_TRUE(Registro().empty());
+}
+
+// A name reserved by a print that has not created its table yet, and a table created by a print
+// that keeps no registry after the look-up found its name free, are both passed over.
+TEST_F(RegistroTablas, UnNombreReservadoOCreadoPorOtraSeSalta) {
+    Registra("tbltemp0", idOtra);
+    bd->ejecutar("CREATE TABLE tbltemp1 (a INT)");
+    base->hayTablaFija = false;
+    const std::string nombre = ClonaEstructura(*base, cn, "ventas", false);
+    EXPECT_EQ(nombre, "tbltemp2");
+    EXPECT_EQ(Registro(),
+              (std::vector<std::string>{"tbltemp0:" + idOtra, "tbltemp2:" + IdPropio()}));
+}
+
+// Orphans: the creating connection ended, or the server restarted since. A live print's table,
+// on another connection, stays.
+TEST_F(RegistroTablas, HuerfanasSeBorranYLaDeUnaImpresionVivaNo) {
+    for (const char* t : {"tbltemp5", "tbltemp6", "tbltemp7"})
+        bd->ejecutar(std::string("CREATE TABLE ") + t + " (a INT)");
+    Registra("tbltemp5", idOtra);                           // live
+    Registra("tbltemp6", "4000000000");                     // its connection ended
+    Registra("tbltemp7", idOtra, "'2000-01-01 00:00:00'");  // before the server restarted
+    Registra("tbltemp8", "4000000001");                     // died before it created it
+    const std::string propia = nombreBase + ".";
+    auto nuestras = [&](std::vector<std::string> v) {
+        std::erase_if(v, [&](const std::string& n) { return n.rfind(propia, 0) != 0; });
+        return v;
+    };
+    const auto antes = RevisaTablasTrabajo(*base, cn);
+    EXPECT_EQ(
+        nuestras(antes.huerfanas),
+        (std::vector<std::string>{propia + "tbltemp6", propia + "tbltemp7", propia + "tbltemp8"}));
+    EXPECT_GE(antes.enUso, 1);
+    EXPECT_EQ(nuestras(BorraTablasHuerfanas(*base, cn)), nuestras(antes.huerfanas));
+    EXPECT_EQ(Registro(), std::vector<std::string>{"tbltemp5:" + idOtra});
+    EXPECT_TRUE(base->HayTabla(cn, "tbltemp5"));
+    EXPECT_FALSE(base->HayTabla(cn, "tbltemp6"));
+    EXPECT_FALSE(base->HayTabla(cn, "tbltemp7"));
+    EXPECT_TRUE(nuestras(RevisaTablasTrabajo(*base, cn).huerfanas).empty());
+}
+
 }  // namespace
 }  // namespace paratzorep::data

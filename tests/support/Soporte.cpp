@@ -11,8 +11,11 @@
 #include <cctype>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 #include <mutex>
 #include <stdexcept>
+#include <thread>
 
 extern char** environ;
 
@@ -163,26 +166,105 @@ CarpetaTemporal::~CarpetaTemporal() {
     fs::remove_all(ruta_, ec);
 }
 
+namespace detail {
+
+// argv and envp for execve: the program, its arguments, this process's environment with the
+// given variables put in.
+struct Ejecucion {
+    std::vector<std::string> args, env;
+    std::vector<char*> argv, envp;
+    Ejecucion(const fs::path& programa, const std::vector<std::string>& a,
+              const std::vector<std::pair<std::string, std::string>>& entorno) {
+        args = {programa.string()};
+        args.insert(args.end(), a.begin(), a.end());
+        for (char** e = environ; *e; ++e) {
+            std::string v = *e;
+            bool reemplazada = false;
+            for (const auto& [nombre, valor] : entorno)
+                reemplazada = reemplazada || v.rfind(nombre + "=", 0) == 0;
+            if (!reemplazada) env.push_back(v);
+        }
+        for (const auto& [nombre, valor] : entorno) env.push_back(nombre + "=" + valor);
+        for (auto& x : args) argv.push_back(x.data());
+        argv.push_back(nullptr);
+        for (auto& x : env) envp.push_back(x.data());
+        envp.push_back(nullptr);
+    }
+};
+
+std::string leeArchivo(const fs::path& p) {
+    std::ifstream in(p, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+}  // namespace detail
+
+ProgramaEnCurso::ProgramaEnCurso(const fs::path& programa, const std::vector<std::string>& args,
+                                 const std::vector<std::pair<std::string, std::string>>& entorno) {
+    detail::Ejecucion e(programa, args, entorno);
+    const std::string salida = (salidas_ / "salida").string();
+    const std::string errores = (salidas_ / "errores").string();
+    pid_ = ::fork();
+    if (pid_ == 0) {
+        const int o = ::open(salida.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+        const int r = ::open(errores.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+        const int nulo = ::open("/dev/null", O_RDONLY);
+        if (o < 0 || r < 0 || nulo < 0) ::_exit(126);
+        ::dup2(nulo, 0);
+        ::dup2(o, 1);
+        ::dup2(r, 2);
+        ::execve(e.argv[0], e.argv.data(), e.envp.data());
+        ::_exit(127);
+    }
+    if (pid_ < 0) throw std::runtime_error("fork falló");
+}
+
+ProgramaEnCurso::~ProgramaEnCurso() {
+    if (pid_ > 0 && !estado_) {
+        ::kill(pid_, SIGKILL);
+        int st = 0;
+        while (::waitpid(pid_, &st, 0) < 0 && errno == EINTR) {
+        }
+    }
+}
+
+void ProgramaEnCurso::senal(int s) const {
+    if (pid_ > 0) ::kill(pid_, s);
+}
+
+bool ProgramaEnCurso::termino() {
+    if (estado_) return true;
+    int st = 0;
+    if (::waitpid(pid_, &st, WNOHANG) != pid_) return false;
+    estado_ = WIFEXITED(st) ? WEXITSTATUS(st) : 128 + WTERMSIG(st);
+    return true;
+}
+
+ResultadoPrograma ProgramaEnCurso::espera(std::chrono::seconds limite) {
+    const auto fin = std::chrono::steady_clock::now() + limite;
+    while (!termino()) {
+        if (std::chrono::steady_clock::now() > fin) ::kill(pid_, SIGKILL);
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    ResultadoPrograma r;
+    r.estado = *estado_;
+    r.salida = detail::leeArchivo(salidas_ / "salida");
+    r.errores = detail::leeArchivo(salidas_ / "errores");
+    return r;
+}
+
+std::unique_ptr<ProgramaEnCurso> lanzarTzorep(
+    const std::vector<std::string>& args,
+    const std::vector<std::pair<std::string, std::string>>& entorno) {
+    return std::make_unique<ProgramaEnCurso>(TZOREP_EXE, args, entorno);
+}
+
 ResultadoPrograma ejecutarPrograma(const fs::path& programa, const std::vector<std::string>& args,
                                    const std::vector<std::pair<std::string, std::string>>& entorno,
                                    std::chrono::seconds limite) {
-    std::vector<std::string> argTextos = {programa.string()};
-    argTextos.insert(argTextos.end(), args.begin(), args.end());
-    std::vector<std::string> envTextos;
-    for (char** e = environ; *e; ++e) {
-        std::string v = *e;
-        bool reemplazada = false;
-        for (const auto& [nombre, valor] : entorno) {
-            reemplazada = reemplazada || v.rfind(nombre + "=", 0) == 0;
-        }
-        if (!reemplazada) envTextos.push_back(v);
-    }
-    for (const auto& [nombre, valor] : entorno) envTextos.push_back(nombre + "=" + valor);
-    std::vector<char*> argv, envp;
-    for (auto& a : argTextos) argv.push_back(a.data());
-    argv.push_back(nullptr);
-    for (auto& e : envTextos) envp.push_back(e.data());
-    envp.push_back(nullptr);
+    detail::Ejecucion e(programa, args, entorno);
+    auto& argv = e.argv;
+    auto& envp = e.envp;
 
     int salida[2], errores[2];
     if (::pipe2(salida, O_CLOEXEC) != 0) throw std::runtime_error("pipe falló");

@@ -123,6 +123,33 @@ ResultadoPrograma ejecutarPrograma(
     const std::filesystem::path& programa, const std::vector<std::string>& args,
     const std::vector<std::pair<std::string, std::string>>& entorno = {},
     std::chrono::seconds limite = std::chrono::seconds(120));
+// A program started in the background, its output going to files, for tests that signal it or
+// its server while it runs. Killed (SIGKILL) and reaped on destruction if still running.
+class ProgramaEnCurso {
+  public:
+    ProgramaEnCurso(const std::filesystem::path& programa, const std::vector<std::string>& args,
+                    const std::vector<std::pair<std::string, std::string>>& entorno = {});
+    ~ProgramaEnCurso();
+    ProgramaEnCurso(const ProgramaEnCurso&) = delete;
+    ProgramaEnCurso& operator=(const ProgramaEnCurso&) = delete;
+
+    int pid() const { return pid_; }
+    void senal(int s) const;
+    // Whether it has ended (without waiting).
+    bool termino();
+    // Waits for its end (SIGKILL after `limite`) and returns its status and output.
+    ResultadoPrograma espera(std::chrono::seconds limite = std::chrono::seconds(120));
+
+  private:
+    CarpetaTemporal salidas_;
+    int pid_ = -1;
+    std::optional<int> estado_;
+};
+// tzorep of this build, in the background.
+std::unique_ptr<ProgramaEnCurso> lanzarTzorep(
+    const std::vector<std::string>& args,
+    const std::vector<std::pair<std::string, std::string>>& entorno = {});
+
 // The same for the tzorep program of this build (TZOREP_EXE).
 ResultadoPrograma ejecutarTzorep(
     const std::vector<std::string>& args,

@@ -4,6 +4,7 @@
 #include "support/NombresDeCaso.h"
 #include "toolkit/Fechas.h"
 #include "toolkit/LibKRVM.h"
+#include "toolkit/Texto.h"
 #include "toolkit/Utilerias.h"
 
 namespace paratzorep::toolkit {
@@ -171,6 +172,22 @@ TEST(NoNullTest, NuloSegunTipo) {
     EXPECT_EQ(kv.NoNull(host::Valor::Nulo(host::TipoCampo::Decimal)), "0");
     EXPECT_EQ(kv.NoNull(host::Valor::Nulo()), "");
     EXPECT_EQ(kv.NoNull(host::Valor("x")), "x");
+}
+
+TEST(Utf8Test, BienFormadoOMal) {
+    const std::vector<std::pair<std::string, bool>> casos = {
+        {"", true},
+        {"Año ñoño €", true},
+        {"\xF0\x9F\x98\x80", true},  // outside the BMP
+        {"\xFF", false},
+        {"caf\xE9", false},           // Latin-1
+        {"\xC3", false},              // cut short
+        {"\xC0\xAF", false},          // overlong
+        {"\xED\xA0\x80", false},      // surrogate
+        {"\xF4\x90\x80\x80", false},  // past U+10FFFF
+    };
+    for (const auto& [texto, valido] : casos)
+        EXPECT_EQ(detail::EsUtf8Valido(texto), valido) << texto;
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 
 #include "renderer/writers/Lector.h"
 #include "support/Soporte.h"
+#include "tests/apps/tzorep/EmpresaPrueba.h"
 
 namespace paratzorep::cli {
 namespace {
@@ -23,33 +24,13 @@ class CmdPrint : public ::testing::Test {
         // The general database and the reports database's model are shared by the run: created
         // once, with structure texts at Ids no other test uses besides the system's 180 and 181.
         pruebas::BaseDeDatosDePrueba b;
-        b.ejecutar(
-            "CREATE DATABASE IF NOT EXISTS generaltanzo;"
-            "CREATE TABLE IF NOT EXISTS generaltanzo.estructurasm (Id INT NOT NULL, Dato BLOB, "
-            "PRIMARY KEY (Id));"
-            "INSERT IGNORE INTO generaltanzo.estructurasm VALUES "
-            "(180, ENCODE('ENTRADA AL SISTEMA','527')), (181, ENCODE('SALIDA DEL SISTEMA','527')),"
-            "(9150, ENCODE('FACTURACION','527'));"
-            "CREATE DATABASE IF NOT EXISTS tanzoreportes;"
-            "CREATE TABLE IF NOT EXISTS tanzoreportes.bitacorausuarios (Id INT NOT NULL "
-            "AUTO_INCREMENT, Fecha DATE NOT NULL DEFAULT '0000-00-00', Hora TIME NOT NULL DEFAULT "
-            "'00:00:00', Usuario VARCHAR(60) NOT NULL DEFAULT '', Accion VARCHAR(500) NOT NULL "
-            "DEFAULT '', Version VARCHAR(60) NOT NULL DEFAULT '', Equipo VARCHAR(60) NOT NULL "
-            "DEFAULT '', PRIMARY KEY (Id), KEY Fecha (Fecha))");
+        b.ejecutar(prueba::kBasesCompartidas);
     }
 
     void SetUp() override {
         bd.emplace();
+        bd->ejecutar(prueba::kTablasEmpresa);
         bd->ejecutar(
-            "CREATE TABLE reportesbin (Archivo VARCHAR(100) NOT NULL, Renglon INT NOT NULL, "
-            "Contenido MEDIUMBLOB, PRIMARY KEY (Archivo, Renglon));"
-            "CREATE TABLE anexoreportes (Id INT NOT NULL AUTO_INCREMENT, ArchivoPadre "
-            "VARCHAR(100) NOT NULL DEFAULT '', Archivo VARCHAR(100) NOT NULL DEFAULT '', "
-            "DESCripcion VARCHAR(150) NOT NULL DEFAULT '', PRIMARY KEY (Id));"
-            "CREATE TABLE bitacorausuarios (Id INT NOT NULL AUTO_INCREMENT, Fecha DATE NOT NULL "
-            "DEFAULT '0000-00-00', Hora TIME NOT NULL DEFAULT '00:00:00', Usuario BLOB, Accion "
-            "VARCHAR(60) NOT NULL DEFAULT '', Registro INT NOT NULL DEFAULT 0, Llave BLOB, "
-            "Adicionales BLOB, Version BLOB, Equipo BLOB, PRIMARY KEY (Id));"
             "INSERT INTO bitacorausuarios (Fecha,Hora,Usuario,Registro,Llave,Adicionales,Version,"
             "Equipo) VALUES "
             "('2026-09-15','10:00:00',ENCODE('BETO','418'),180,'','',"
@@ -62,11 +43,7 @@ class CmdPrint : public ::testing::Test {
             "ENCODE('CAMBIO','184'),ENCODE('5.3.004','527'),ENCODE('CAJA-01','527')),"
             "('2026-10-02','19:00:00',ENCODE('MARIO','418'),181,'','',"
             "ENCODE('5.3.004','527'),ENCODE('ALMACEN','527'))");
-        const auto& sv = bd->servidor();
-        std::ofstream(tmp / "tzorep.ini")
-            << "[BaseDD]\ncRuta=" << sv.host << "\ncUsuario=" << sv.usuario
-            << "\ncPassword=" << sv.password << "\ncPuerto=" << sv.puerto
-            << "\ncMiBase=" << bd->nombre() << "\n";
+        prueba::EscribeIni(tmp.ruta(), bd->servidor(), bd->nombre());
         auto r = Tzorep({"templates", "import", std::string(TZ_SOURCE_DIR) + "/templates"});
         ASSERT_EQ(r.estado, 0) << r.errores;
     }
