@@ -111,8 +111,9 @@ TEST_P(FalloDeEscritura, DiscoLlenoDaErrorClaroSinArchivoParcialYElAnteriorIntac
     EXPECT_NE(mensaje.find("No se pudo"), std::string::npos) << mensaje;
     // The system's own reason; libxlsxwriter drops it on its temporary files, so the workbook's
     // read-back can only say what is missing.
-    if (GetParam().extension != "xlsx")
+    if (GetParam().extension != "xlsx") {
         EXPECT_NE(mensaje.find(std::strerror(EFBIG)), std::string::npos) << mensaje;
+    }
     std::ifstream in(ruta);
     std::string contenido;
     in >> contenido;
