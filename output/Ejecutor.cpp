@@ -296,7 +296,7 @@ void EjecutaReporte(const std::string& archivoLocal) {
         throw ErrorReporte(limpio(e.what()));
     } catch (const renderer::ErrorImpresion& e) {
         // The report was made; only printing failed. Its PDF is kept where the user keeps
-        // PDFs (the temporary one when that folder is not available).
+        // PDFs (when that folder is not available, it goes with the temporary files).
         std::string guardado = detail::GuardaSinImprimir(e.archivo());
         throw ErrorReporte(
             limpio("El reporte se generó pero no se pudo imprimir: " + e.causa() +
@@ -305,7 +305,7 @@ void EjecutaReporte(const std::string& archivoLocal) {
         // The ODBC driver's own connection errors come in English: said again in Spanish.
         std::string texto = e.what();
         if (const auto* d = dynamic_cast<const renderer::data::ErrorDatos*>(&e);
-            d && d->codigo() >= 2000 && d->codigo() <= 2999)
+            d && d->codigo() >= 2000 && d->codigo() <= 2999 && d->detalle().rfind("[", 0) == 0)
             texto = renderer::data::ErrorDatos(
                         d->accion(),
                         data::MensajeMaria(static_cast<unsigned>(d->codigo()), d->detalle()),

@@ -17,6 +17,7 @@
 
 #include "apps/tzorep/AbreEntrada.h"
 #include "apps/tzorep/Pantalla.h"
+#include "host/Proceso.h"
 #include "output/Ejecutor.h"
 #include "renderer/TiposArchivo.h"
 #include "reports/Marco.h"
@@ -156,24 +157,16 @@ int cmdPrint(const Contexto& ctx, const std::vector<std::string>& args) {
                      "Más: tzorep help print\n";
         return 2;
     }
-    // --out -: the report is written to a private temporary folder, then to standard output.
-    struct Temporal {
-        std::filesystem::path carpeta;
-        ~Temporal() {
-            std::error_code ec;
-            if (!carpeta.empty()) std::filesystem::remove_all(carpeta, ec);
-        }
-    } temporal;
+    // --out -: the report is written to the process's private folder (removed however the run
+    // ends), then to standard output.
     const bool aSalida = o.destino == "file" && o.salida == "-";
     if (aSalida) {
-        std::string plantilla =
-            (std::filesystem::temp_directory_path() / "tzorep-salida-XXXXXX").string();
-        if (!::mkdtemp(plantilla.data())) {
-            std::cerr << "tzorep: no se pudo crear una carpeta temporal para --out -\n";
+        try {
+            o.salida = (host::SubcarpetaPrivada("salida") / ("reporte." + o.tipo)).string();
+        } catch (const std::exception& e) {
+            std::cerr << "tzorep: " << e.what() << "\n";
             return 1;
         }
-        temporal.carpeta = plantilla;
-        o.salida = (temporal.carpeta / ("reporte." + o.tipo)).string();
     }
     try {
         auto interaccion = std::make_shared<InteraccionCli>();

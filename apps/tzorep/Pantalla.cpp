@@ -1,12 +1,18 @@
 #include "apps/tzorep/Pantalla.h"
 
+#include <fcntl.h>
+#include <spawn.h>
 #include <sys/ioctl.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+
+extern char** environ;
 
 namespace paratzorep::cli {
 
@@ -50,22 +56,48 @@ std::unique_ptr<Pantalla> Pantalla::Abre() {
     // less: leave at once when the report fits one screen, keep the screen afterwards.
     ::setenv("LESS", "FRX", 0);
     std::fflush(stdout);
-    std::FILE* tubo = ::popen(pager.c_str(), "w");
-    if (!tubo) return nullptr;
+    int extremos[2];
+    if (::pipe2(extremos, O_CLOEXEC) != 0) return nullptr;
+    // Through sh, as popen would, but the pager starts with no signal blocked (this process
+    // blocks the interruptions for its own handler), so that Ctrl-C reaches it.
+    posix_spawn_file_actions_t acciones;
+    posix_spawn_file_actions_init(&acciones);
+    posix_spawn_file_actions_adddup2(&acciones, extremos[0], STDIN_FILENO);
+    posix_spawnattr_t atributos;
+    posix_spawnattr_init(&atributos);
+    sigset_t ninguna;
+    sigemptyset(&ninguna);
+    posix_spawnattr_setsigmask(&atributos, &ninguna);
+    posix_spawnattr_setflags(&atributos, POSIX_SPAWN_SETSIGMASK);
+    const char* args[] = {"/bin/sh", "-c", pager.c_str(), nullptr};
+    pid_t pid = 0;
+    const int r =
+        ::posix_spawn(&pid, "/bin/sh", &acciones, &atributos, const_cast<char**>(args), environ);
+    posix_spawnattr_destroy(&atributos);
+    posix_spawn_file_actions_destroy(&acciones);
+    ::close(extremos[0]);
+    std::FILE* tubo = r == 0 ? ::fdopen(extremos[1], "w") : nullptr;
+    if (!tubo) {
+        ::close(extremos[1]);
+        if (r == 0) ::waitpid(pid, nullptr, 0);
+        return nullptr;
+    }
     // One column spare, so that a full line does not wrap.
     return std::unique_ptr<Pantalla>(
-        new Pantalla(tubo, detail::ColumnasTerminal(STDOUT_FILENO) - 1));
+        new Pantalla(tubo, pid, detail::ColumnasTerminal(STDOUT_FILENO) - 1));
 }
 
-Pantalla::Pantalla(std::FILE* tubo, int columnas)
-    : tubo_(tubo), bufer_(tubo), flujo_(&bufer_), columnas_(columnas) {
+Pantalla::Pantalla(std::FILE* tubo, pid_t paginador, int columnas)
+    : tubo_(tubo), paginador_(paginador), bufer_(tubo), flujo_(&bufer_), columnas_(columnas) {
     // A pager that quits early must not kill the program: the writes then fail instead.
     senalAnterior_ = std::signal(SIGPIPE, SIG_IGN);
 }
 
 Pantalla::~Pantalla() {
     flujo_.flush();
-    ::pclose(tubo_);
+    std::fclose(tubo_);
+    while (::waitpid(paginador_, nullptr, 0) < 0 && errno == EINTR) {
+    }
     std::signal(SIGPIPE, senalAnterior_);
 }
 

@@ -3,6 +3,8 @@
 // output gets the plain pages as they are.
 #pragma once
 
+#include <sys/types.h>
+
 #include <cstdio>
 #include <memory>
 #include <ostream>
@@ -39,9 +41,10 @@ class Pantalla {
         std::FILE* f_;
     };
 
-    Pantalla(std::FILE* tubo, int columnas);
+    Pantalla(std::FILE* tubo, pid_t paginador, int columnas);
 
     std::FILE* tubo_;
+    pid_t paginador_;
     Tubo bufer_;
     std::ostream flujo_;
     int columnas_;

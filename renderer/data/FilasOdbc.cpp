@@ -89,13 +89,10 @@ bool esConexionPerdida(const std::string& estado, long nativo) {
     }
     if (detalle.empty()) detalle = "el controlador ODBC no dio detalles";
     const unsigned espera = segundosEspera;
-    if (esConexionPerdida(primerEstado, primerNativo)) {
-        if (espera > 0 && ahora() - inicioSentencia + 0.5 >= espera)
-            detalle = "el servidor no respondió en " + std::to_string(espera) +
-                      " segundos (puede estar detenido, saturado o sin red)";
-        else
-            detalle = "se perdió la conexión con el servidor (" + detalle + ")";
-    }
+    if (esConexionPerdida(primerEstado, primerNativo) && espera > 0 &&
+        ahora() - inicioSentencia + 0.5 >= espera)
+        detalle = "el servidor no respondió en " + std::to_string(espera) +
+                  " segundos (puede estar detenido, saturado o sin red)";
     throw ErrorDatos(accion, detalle, sql, primerEstado, primerNativo);
 }
 
