@@ -28,10 +28,8 @@ using formula::RefCampo;
 class Manejador {
   public:
     Manejador() = default;
-    Manejador(SQLSMALLINT tipo, SQLHANDLE padre, const char* accion) : tipo_(tipo) {
-        if (!SQL_SUCCEEDED(SQLAllocHandle(tipo, padre, &h_)))
-            throw ErrorDatos(accion, "no se pudo reservar un manejador ODBC");
-    }
+    // A failure says the parent's reason (a statement on a connection that the server cut).
+    Manejador(SQLSMALLINT tipo, SQLHANDLE padre, const char* accion);
     Manejador(const Manejador&) = delete;
     Manejador& operator=(const Manejador&) = delete;
     Manejador(Manejador&& o) noexcept : tipo_(o.tipo_), h_(o.h_) { o.h_ = SQL_NULL_HANDLE; }
@@ -64,11 +62,12 @@ double ahora() {
 
 bool esConexionPerdida(const std::string& estado, long nativo) {
     return nativo == 2006 || nativo == 2013 || nativo == 2055 || estado == "HYT00" ||
-           estado == "HYT01" || estado == "08S01";
+           estado == "HYT01" || estado == "08S01" || estado == "08003";
 }
 
-[[noreturn]] void fallarOdbc(const Manejador& m, const std::string& accion,
-                             const std::string& sql = {}) {
+[[noreturn]] void fallarOdbc(SQLSMALLINT tipo, SQLHANDLE h, const std::string& accion,
+                             const std::string& sql = {},
+                             std::string sinDetalle = "el controlador ODBC no dio detalles") {
     SQLCHAR estado[8] = {0};
     SQLINTEGER nativo = 0;
     SQLCHAR texto[1024] = {0};
@@ -77,8 +76,7 @@ bool esConexionPerdida(const std::string& estado, long nativo) {
     std::string primerEstado;
     long primerNativo = 0;
     for (SQLSMALLINT i = 1; i <= 5; ++i) {
-        if (!SQL_SUCCEEDED(
-                SQLGetDiagRec(m.tipo(), m.get(), i, estado, &nativo, texto, sizeof texto, &largo)))
+        if (!SQL_SUCCEEDED(SQLGetDiagRec(tipo, h, i, estado, &nativo, texto, sizeof texto, &largo)))
             break;
         if (primerEstado.empty()) {
             primerEstado = reinterpret_cast<char*>(estado);
@@ -87,13 +85,30 @@ bool esConexionPerdida(const std::string& estado, long nativo) {
         if (!detalle.empty()) detalle += "; ";
         detalle += reinterpret_cast<char*>(texto);
     }
-    if (detalle.empty()) detalle = "el controlador ODBC no dio detalles";
+    const bool sinDiagnostico = detalle.empty();
+    if (sinDiagnostico) detalle = std::move(sinDetalle);
+    // A handle refused with no reason after a wait as long as the limit: the server did not
+    // answer the statement before (freeing a statement also waits for the server).
     const unsigned espera = segundosEspera;
-    if (esConexionPerdida(primerEstado, primerNativo) && espera > 0 &&
-        ahora() - inicioSentencia + 0.5 >= espera)
+    if ((esConexionPerdida(primerEstado, primerNativo) ||
+         (sinDiagnostico && tipo != SQL_HANDLE_STMT)) &&
+        espera > 0 && ahora() - inicioSentencia + 0.5 >= espera)
         detalle = "el servidor no respondió en " + std::to_string(espera) +
                   " segundos (puede estar detenido, saturado o sin red)";
     throw ErrorDatos(accion, detalle, sql, primerEstado, primerNativo);
+}
+
+[[noreturn]] void fallarOdbc(const Manejador& m, const std::string& accion,
+                             const std::string& sql = {}) {
+    fallarOdbc(m.tipo(), m.get(), accion, sql);
+}
+
+Manejador::Manejador(SQLSMALLINT tipo, SQLHANDLE padre, const char* accion) : tipo_(tipo) {
+    if (SQL_SUCCEEDED(SQLAllocHandle(tipo, padre, &h_))) return;
+    h_ = SQL_NULL_HANDLE;
+    if (padre == SQL_NULL_HANDLE) throw ErrorDatos(accion, "no se pudo reservar un manejador ODBC");
+    fallarOdbc(tipo == SQL_HANDLE_STMT ? SQL_HANDLE_DBC : SQL_HANDLE_ENV, padre, accion, {},
+               "no se pudo reservar un manejador ODBC");
 }
 
 enum class Clase { Texto, Numero, Fecha, FechaHora, Hora };
@@ -181,6 +196,7 @@ class FilasOdbc : public Filas {
             } else {
                 const SQLRETURN r = SQLFetch(stmt_->get());
                 if (r == SQL_NO_DATA || (enlazado_ && SQL_SUCCEEDED(r) && lote_ == 0)) {
+                    inicioSentencia = ahora();  // closing the statement talks to the server
                     stmt_.reset();
                     // A short block is the last one; so is an unpaged query.
                     if (!paginado_ || enBloque_ < bloque_) terminado_ = true;
