@@ -4,10 +4,12 @@
 
 #include "reports/RepAdmMovUser.h"
 #include "reports/accounts/RepAdmCargos.h"
+#include "reports/accounts/RepAdmCxC.h"
 #include "reports/accounts/RepAdmEdoCta.h"
 #include "reports/accounts/RepAdmCobRecibos.h"
 #include "reports/accounts/RepAdmSALF.h"
 #include "reports/accounts/RepAdmSALFp.h"
+#include "reports/accounts/RepAdmSdoProdsCtes.h"
 #include "reports/sales/RepAdmComisXvend.h"
 #include "reports/sales/RepAdmUtilXvend.h"
 

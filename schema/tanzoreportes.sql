@@ -45,7 +45,7 @@ CREATE TABLE adsmovtos (
 
 -- Receivables listing. The document's Id may be copied into Id (at-a-date
 -- mode), and invoices, delivery notes and layaways may share ids, so Id is
--- not unique here.
+-- not unique here; Renglon numbers the rows for the report's order.
 CREATE TABLE cxc (
     Id INT NOT NULL DEFAULT 0,
     Fecha DATE NOT NULL DEFAULT '0000-00-00',
@@ -63,8 +63,10 @@ CREATE TABLE cxc (
     IdRemision INT NOT NULL DEFAULT 0,
     IdFactura INT NOT NULL DEFAULT 0,
     IdApartado INT NOT NULL DEFAULT 0,
+    Renglon INT NOT NULL AUTO_INCREMENT,
+    PRIMARY KEY (Renglon),
     KEY Id (Id),
-    KEY Cliente (Cliente)
+    KEY Orden (Cliente, Vence, Fecha, Renglon)
 ) ENGINE=Aria TRANSACTIONAL=0;
 
 -- Payables listing.
@@ -79,8 +81,10 @@ CREATE TABLE cxp (
     Saldo DOUBLE NOT NULL DEFAULT 0,
     Vence DATE NOT NULL DEFAULT '0000-00-00',
     IdCargo INT NOT NULL DEFAULT 0,
+    Renglon INT NOT NULL AUTO_INCREMENT,
+    PRIMARY KEY (Renglon),
     KEY Id (Id),
-    KEY Proveedor (Proveedor)
+    KEY Orden (Proveedor, Vence, Fecha, Renglon)
 ) ENGINE=Aria TRANSACTIONAL=0;
 
 -- Per-product summaries (goods entries, transfers, purchases): one row per

@@ -11,6 +11,7 @@
 #include "host/Menu.h"
 #include "reports/Formas.h"
 #include "reports/Marco.h"
+#include "reports/accounts/RepAdmCxC.h"
 #include "session/Sesion.h"
 #include "support/NombresDeCaso.h"
 #include "toolkit/Apoyo.h"
@@ -228,7 +229,7 @@ TEST_F(FachadaTest, SinObjetoDeArchivosCargosClientesFalla) {
 }
 
 TEST(FormularioTest, ControlesPorNombreEIndice) {
-    RepAdmCxC f;
+    RepAdmGymAsistencias f;
     EXPECT_EQ(f.Ctl("optDispos", 0).Caption, "&Pantalla");
     EXPECT_EQ(f.Ctl("optDispos", 1).Caption, "Im&presora");
     EXPECT_EQ(f.Ctl("optDispos", 2).Caption, "&Archivo");

@@ -23,6 +23,23 @@ class DemoCuentas : public ::testing::Test {
     // Days of history of the demo company (up to its fixed last day, 2026-10-31).
     static constexpr int kDias = 100;
 
+    // The work-table models of the account reports in the reports work database.
+    static void SetUpTestSuite() {
+        pruebas::BaseDeDatosDePrueba b;
+        b.ejecutar("CREATE DATABASE IF NOT EXISTS tanzoreportes");
+        const auto archivo = schema::carpetaEsquemas() / "tanzoreportes.sql";
+        std::ifstream f(archivo);
+        const std::string texto((std::istreambuf_iterator<char>(f)), {});
+        for (const auto& s : schema::dividirSentencias(texto, archivo.string()))
+            for (const std::string modelo : {"cxc", "cxp"}) {
+                const std::string crea = "CREATE TABLE " + modelo + " (";
+                const auto p = s.sql.find(crea);
+                if (p != std::string::npos)
+                    b.ejecutar("CREATE TABLE IF NOT EXISTS tanzoreportes." + modelo + " (" +
+                               s.sql.substr(p + crea.size()));
+            }
+    }
+
     void SetUp() override {
         bd.emplace();
         schema::cargarArchivo(bd->mysql(), schema::carpetaEsquemas() / "empresa.sql");
