@@ -359,9 +359,16 @@ std::string enMegas(std::uint64_t bytes) {
 }
 
 std::vector<std::string> opcionesComunes(const fs::path& datos, std::uint64_t bufferPool) {
+    // Temporary files in a folder of this server's own, beside its data: in the shared /tmp
+    // another server or a clean-up of stale files could remove them while they are in use.
+    const fs::path temporales = datos.string() + "-tmp";
+    std::error_code ec;
+    fs::create_directories(temporales, ec);
+    fs::permissions(temporales, fs::perms::owner_all, fs::perm_options::replace, ec);
     std::vector<std::string> o = {
         "--no-defaults",  // must come first: never read /etc/mysql or ~/.my.cnf
         "--datadir=" + datos.string(),
+        "--tmpdir=" + temporales.string(),
         // The system's SQL spells some tables in two cases (SubLineas, sublineas);
         // fixed when the data folder is initialised.
         "--lower-case-table-names=1",
