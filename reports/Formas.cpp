@@ -7,6 +7,8 @@
 #include "reports/accounts/RepAdmCxC.h"
 #include "reports/accounts/RepAdmEdoCta.h"
 #include "reports/accounts/RepAdmCobRecibos.h"
+#include "reports/accounts/RepAdmPagosCtes.h"
+#include "reports/accounts/RepAdmPagosProv.h"
 #include "reports/accounts/RepAdmSALF.h"
 #include "reports/accounts/RepAdmSALFp.h"
 #include "reports/accounts/RepAdmSdoProdsCtes.h"

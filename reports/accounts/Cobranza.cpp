@@ -38,6 +38,44 @@ std::vector<std::string> FormaCobranza::RangoClaves(const std::string& igual,
     return c;
 }
 
+std::string FormaCobranza::OrdenPagos(const std::string& tabla, int eleccion) {
+    static const char* campos[] = {"Fecha", "CantidadPago", "Concepto", "Clave"};
+    if (eleccion < 0 || eleccion > 3) eleccion = 0;
+    return "+{" + tabla + "." + campos[eleccion] + "}";
+}
+
+const std::vector<std::string>& FormaCobranza::OpcionesOrden(const std::string& cuenta) {
+    static const std::vector<std::string> clientes = {"Fecha", "Cantidad", "Concepto", "Cliente"};
+    static const std::vector<std::string> proveedores = {"Fecha", "Cantidad", "Concepto",
+                                                         "Proveedor"};
+    return cuenta == "Cliente" ? clientes : proveedores;
+}
+
+void FormaCobranza::AgregaOrden(std::int16_t indice, const std::string& cuenta) {
+    Agrega("lblOrden", -1, "Ordenar por:");
+    Control& c = Agrega("cmbDato", indice, "Orden");
+    c.Items = OpcionesOrden(cuenta);
+    c.ListIndex = 0;
+}
+
+void FormaCobranza::EnlazaMonedas(std::int16_t indice) {
+    const bool monedas = session::LeerConfigBool(ConexionEmpresa(), "MultiMoneda");
+    Ctl("lblMoneda").Visible = monedas;
+    Ctl("dcmDato", indice).Visible = monedas;
+    if (monedas)
+        EnlazaCombo(Ctl("dcmDato", indice),
+                    "SELECT Id,Abreviacion FROM monedas ORDER BY Abreviacion", "Abreviacion", "Id");
+}
+
+std::string FormaCobranza::MonedaElegida(std::int16_t indice) const {
+    const Control& mon = Ctl("dcmDato", indice);
+    if (!mon.Visible || mon.BoundText.empty()) return {};
+    if (mon.BoundText.find_first_not_of("0123456789") != std::string::npos)
+        throw ErrorPaso("leer la moneda elegida",
+                        "La moneda elegida ('" + mon.BoundText + "') no es válida.");
+    return mon.BoundText;
+}
+
 void FormaCobranza::EscribeEncabezado(const std::string& encabezado) {
     Paso("escribir el encabezado en el archivo de trabajo local");
     auto& bd = session::sesion().BaseDD;

@@ -27,7 +27,20 @@ class FormaCobranza : public FormaReporte {
                                                 const std::string& claveDesde,
                                                 const std::string& claveHasta);
 
+    // The sort field of the sort list's choice (0 date, 1 amount, 2 concept, 3 account) over
+    // `tabla`: "+{tabla.Fecha}", "+{tabla.CantidadPago}", "+{tabla.Concepto}", "+{tabla.Clave}".
+    static std::string OrdenPagos(const std::string& tabla, int eleccion);
+    // The sort list's entries, in order.
+    static const std::vector<std::string>& OpcionesOrden(const std::string& cuenta);
+
   protected:
+    // Adds the sort list cmbDato(indice) with its label, "Fecha" chosen.
+    void AgregaOrden(std::int16_t indice, const std::string& cuenta);
+    // Shows the currency list dcmDato(indice) only with MultiMoneda and binds it to "monedas".
+    void EnlazaMonedas(std::int16_t indice);
+    // The chosen currency's id ("" when the list is hidden or nothing is chosen); a bound value
+    // that is not a number stops the print.
+    std::string MonedaElegida(std::int16_t indice) const;
     // Empties Titulo100 of the local work file and writes `encabezado` in its Encabezado.
     void EscribeEncabezado(const std::string& encabezado);
     // The name of an account of `tabla` ("clientes", "proveedores"); "" when unknown.

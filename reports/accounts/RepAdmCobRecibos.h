@@ -23,6 +23,8 @@ class RepAdmCobRecibos : public FormaCobranza {
 
   protected:
     std::string TablaMovimientos() const override { return "recibos"; }
+    // A blank date leaves that end of the period open.
+    bool FechaOpcional(const Control&) const override { return true; }
     void AlSalir(Control& c) override;
     void Imprimir() override;
 };

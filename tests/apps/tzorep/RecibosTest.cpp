@@ -97,6 +97,13 @@ TEST_F(Recibos, ListaLosRecibosConSusPagosYMarcaLosCancelados) {
     EXPECT_TRUE(Contiene(t, "3,750.50")) << t;
     EXPECT_TRUE(Contiene(t, "Página 1 de 1")) << t;
 
+    // With no dates, every receipt in number order under the bare caption.
+    r = Imprime("pdf", {"--set", "mkeFecha(0)=", "--set", "mkeFecha(1)="});
+    ASSERT_EQ(r.estado, 0) << r.errores;
+    t = Lee("pdf");
+    EXPECT_TRUE(Contiene(t, "4 recibos")) << t;
+    EXPECT_FALSE(Contiene(t, "desde el")) << t;
+
     // One customer, to CSV: the rows are that customer's receipts, as SQL reads them.
     r = Imprime("csv", {"--set", "txtDato(0)=C1", "--set", "mkeFecha(0)=01/03/2026", "--set",
                         "mkeFecha(1)=31/03/2026"});
