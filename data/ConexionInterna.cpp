@@ -13,6 +13,19 @@ ConexionInterna& Interna(const host::Conexion& cn, const std::string& accion) {
     return *interna;
 }
 
+void ConexionInterna::Recorre(const std::string& sql, const std::string& accion,
+                              const std::function<void(const FilaTexto&)>& fila) {
+    const Resultado r = Consulta(sql, accion);
+    FilaTexto textos;
+    for (const auto& valores : r.filas) {
+        textos.clear();
+        for (const auto& v : valores)
+            textos.push_back(v.EsNulo() ? std::nullopt
+                                        : std::optional<std::string_view>(v.Texto()));
+        fila(textos);
+    }
+}
+
 bool IgualSinMayusculas(std::string_view a, std::string_view b) {
     if (a.size() != b.size()) return false;
     for (std::size_t i = 0; i < a.size(); ++i) {

@@ -3,6 +3,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,6 +13,10 @@
 #include "host/Recordset.h"
 
 namespace paratzorep::data::detail {
+
+// One row of a streamed result: each column's text, nullopt for NULL. The texts are valid
+// only during the call that receives them.
+using FilaTexto = std::vector<std::optional<std::string_view>>;
 
 struct Resultado {
     std::vector<host::Columna> columnas;
@@ -34,6 +40,11 @@ class ConexionInterna : public host::ConexionBdD {
     virtual Resultado ConsultaConValores(const std::string& sql,
                                          const std::vector<host::Valor>& valores,
                                          const std::string& accion) = 0;
+    // Runs a statement that returns rows and hands them over one at a time, as the server
+    // sends them, so that memory does not grow with the result. The default reads the whole
+    // result first. An exception from `fila` ends the reading and passes on.
+    virtual void Recorre(const std::string& sql, const std::string& accion,
+                         const std::function<void(const FilaTexto&)>& fila);
     virtual std::int64_t UltimoId() = 0;
     virtual bool ExisteTabla(const std::string& tabla) = 0;
     // An identifier quoted for this engine; "a.b" is quoted part by part.

@@ -56,7 +56,8 @@ constexpr const char* kTablas[] = {
     "Desc2 DOUBLE, Desc3 DOUBLE, Desc4 DOUBLE, Desc5 DOUBLE, Cliente TEXT, clave TEXT, "
     "Articulo TEXT, DESCripcion TEXT, Cantidad DOUBLE, Devueltos DOUBLE, Moneda INTEGER, "
     "Paridad DOUBLE, IdentVta TEXT, IdKardex INTEGER, Costo DOUBLE, ExistenciaAnterior DOUBLE, "
-    "EnDevolucs DOUBLE, EnNdeC DOUBLE, Devolucion INTEGER, MontoNdeC DOUBLE)",
+    "EnDevolucs DOUBLE, EnNdeC DOUBLE, Devolucion INTEGER, MontoNdeC DOUBLE, NombreLinea TEXT, "
+    "NombreSubLinea TEXT, NombreMarca TEXT)",
     "CREATE TABLE IF NOT EXISTS TotalesUtilPdV (Id INTEGER PRIMARY KEY, Gastos DOUBLE)",
     "CREATE TABLE IF NOT EXISTS ComisXvend1 (Id INTEGER PRIMARY KEY, Clave TEXT, "
     "MontoTotal DOUBLE)",
@@ -99,6 +100,14 @@ void ConexionLocal::Cierra() {
         sqlite3_close_v2(db_);
         db_ = nullptr;
     }
+}
+
+std::string ConexionLocal::Definicion(const std::string& tabla) {
+    const std::string inicio = "CREATE TABLE IF NOT EXISTS " + tabla + " (";
+    for (const char* ddl : detail::kTablas)
+        if (detail::IgualSinMayusculas(std::string_view(ddl).substr(0, inicio.size()), inicio))
+            return ddl;
+    return {};
 }
 
 void ConexionLocal::CreaTablas() {
@@ -296,6 +305,35 @@ std::string ConexionLocal::IgualQueValor(const std::string& columna) const {
 
 std::string ConexionLocal::InsertSinColumnas(const std::string& tabla) const {
     return "INSERT INTO " + Identificador(tabla) + " DEFAULT VALUES";
+}
+
+InsercionLocal::InsercionLocal(ConexionLocal& local, std::string sql, std::string accion)
+    : db_(local.db_), sql_(std::move(sql)), accion_(std::move(accion)) {
+    st_ = Prepara(db_, sql_, accion_).release();
+}
+
+InsercionLocal::~InsercionLocal() {
+    sqlite3_finalize(st_);
+}
+
+void InsercionLocal::Inserta(const detail::FilaTexto& valores) {
+    if (sqlite3_bind_parameter_count(st_) != static_cast<int>(valores.size()))
+        throw host::ErrorDatos(accion_, sql_, 0,
+                               "la sentencia espera " +
+                                   std::to_string(sqlite3_bind_parameter_count(st_)) +
+                                   " valores y recibió " + std::to_string(valores.size()));
+    for (std::size_t i = 0; i < valores.size(); ++i) {
+        const int k = static_cast<int>(i) + 1;
+        const int rc = valores[i] ? sqlite3_bind_text64(st_, k, valores[i]->data(),
+                                                        valores[i]->size(), SQLITE_STATIC,
+                                                        SQLITE_UTF8)
+                                  : sqlite3_bind_null(st_, k);
+        if (rc != SQLITE_OK) throw host::ErrorDatos(accion_, sql_, rc, sqlite3_errmsg(db_));
+    }
+    const int rc = sqlite3_step(st_);
+    sqlite3_reset(st_);
+    sqlite3_clear_bindings(st_);
+    if (rc != SQLITE_DONE) throw host::ErrorDatos(accion_, sql_, rc, sqlite3_errmsg(db_));
 }
 
 }  // namespace paratzorep::data

@@ -7,7 +7,9 @@
 //                    PasaGeneralesAlRpt)
 //   EncabDeudores    Texto1..Texto5
 //   Titulo100        Encabezado
-//   Utilidad         one row per sold line (profit report)
+//   Utilidad         one row per sold line (profit report); besides the keys of the product's
+//                    line, sub-line and brand, their names (NombreLinea, NombreSubLinea,
+//                    NombreMarca)
 //   TotalesUtilPdV   Gastos
 //   ComisXvend1      Clave, MontoTotal
 //   ComisXvend2      one row per document (commission brackets)
@@ -17,10 +19,12 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "data/ConexionInterna.h"
 
 struct sqlite3;
+struct sqlite3_stmt;
 
 namespace paratzorep::data {
 
@@ -57,11 +61,35 @@ class ConexionLocal final : public detail::ConexionInterna {
     // Names of a table's columns, in order.
     std::vector<std::string> ColumnasDe(const std::string& tabla);
 
+    // The statement that creates one of the file's tables ("" when the file has no such table).
+    static std::string Definicion(const std::string& tabla);
+
   private:
+    friend class InsercionLocal;
     void CreaTablas();
 
     std::string archivo_;
     sqlite3* db_ = nullptr;
+};
+
+// One INSERT with "?" placeholders, prepared once and run for many rows. Values come as text
+// (nullopt for NULL) and the columns' declared types convert them as SQLite's affinity does:
+// "12.5" into a DOUBLE column is a number, "2025-03-05" into a DATE column stays a text.
+class InsercionLocal {
+  public:
+    InsercionLocal(ConexionLocal& local, std::string sql, std::string accion);
+    ~InsercionLocal();
+    InsercionLocal(const InsercionLocal&) = delete;
+    InsercionLocal& operator=(const InsercionLocal&) = delete;
+
+    // Throws host::ErrorDatos when the row is refused.
+    void Inserta(const detail::FilaTexto& valores);
+
+  private:
+    sqlite3* db_;
+    sqlite3_stmt* st_ = nullptr;
+    std::string sql_;
+    std::string accion_;
 };
 
 }  // namespace paratzorep::data

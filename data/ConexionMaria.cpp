@@ -222,6 +222,30 @@ detail::Resultado ConexionMaria::Consulta(const std::string& sql, const std::str
     return r;
 }
 
+void ConexionMaria::Recorre(const std::string& sql, const std::string& accion,
+                            const std::function<void(const detail::FilaTexto&)>& fila) {
+    if (mysql_ == nullptr) Falla(accion, sql);
+    if (mysql_real_query(mysql_, sql.data(), sql.size()) != 0) Falla(accion, sql);
+    // Freeing a result read row by row discards what the server has not sent yet, so the
+    // connection stays usable when `fila` throws.
+    std::unique_ptr<MYSQL_RES, detail::LiberaResultado> res(mysql_use_result(mysql_));
+    if (!res) {
+        if (mysql_field_count(mysql_) != 0) Falla(accion, sql);
+        return;
+    }
+    const unsigned n = mysql_num_fields(res.get());
+    detail::FilaTexto textos(n);
+    while (MYSQL_ROW f = mysql_fetch_row(res.get())) {
+        const unsigned long* largos = mysql_fetch_lengths(res.get());
+        for (unsigned i = 0; i < n; ++i)
+            textos[i] = f[i] == nullptr ? std::nullopt
+                                        : std::optional<std::string_view>(
+                                              std::string_view(f[i], largos[i]));
+        fila(textos);
+    }
+    if (mysql_errno(mysql_) != 0) Falla(accion, sql);
+}
+
 std::int64_t ConexionMaria::Ejecuta(const std::string& sql, const std::string& accion) {
     if (mysql_ == nullptr) Falla(accion, sql);
     inicio_ = detail::Ahora();

@@ -63,6 +63,9 @@ class ConexionMaria final : public detail::ConexionInterna {
     detail::Resultado ConsultaConValores(const std::string& sql,
                                          const std::vector<host::Valor>& valores,
                                          const std::string& accion) override;
+    // Streams the rows (mysql_use_result): the connection is busy until the last row is read.
+    void Recorre(const std::string& sql, const std::string& accion,
+                 const std::function<void(const detail::FilaTexto&)>& fila) override;
     std::int64_t UltimoId() override;
     bool ExisteTabla(const std::string& tabla) override;
     std::string Identificador(std::string_view nombre) const override;

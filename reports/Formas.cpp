@@ -14,6 +14,7 @@
 #include "reports/accounts/RepAdmSdoProdsCtes.h"
 #include "reports/sales/RepAdmComisXvend.h"
 #include "reports/sales/RepAdmUtilXvend.h"
+#include "reports/sales/RepAdmUtilidad.h"
 
 namespace paratzorep::reports {
 

@@ -60,7 +60,6 @@ TZ_FORMA_BASICA(RepAdmRotacion, "Rotación de productos")
 TZ_FORMA_BASICA(RepAdmKits, "Salidas y entradas de kits")
 TZ_FORMA_BASICA(RepAdmSepMet, "Separación de metales")
 TZ_FORMA_BASICA(RepAdmTraspasos, "Traspasos")
-TZ_FORMA_BASICA(RepAdmUtilidad, "Utilidad")
 TZ_FORMA_BASICA(RepAdmVtasCanc, "Ventas canceladas")
 
 #undef TZ_FORMA_BASICA

@@ -1,9 +1,15 @@
 #include "renderer/layout/Maquetador.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <deque>
+#include <map>
+#include <set>
 #include <unordered_set>
+
+#include "renderer/formula/Evaluador.h"
+#include "renderer/formula/Formula.h"
 
 namespace paratzorep::renderer {
 
@@ -109,7 +115,16 @@ struct ElementoCompilado {
     MetricaFuente metrica;
     int slot = -1;        // value slot (Campo, Formula, Parametro)
     int acumulador = -1;  // Resumen
+    int conResumen = -1;  // Formula that uses summaries: its entry in Impl::conResumen
     std::uint16_t columna = 0;
+};
+
+// A formula shown in a band that uses group summaries (Sum({@Venta}, {t.grupo}) / ...). It is
+// evaluated when its band is laid out, each summary call with an accumulator of its own: the
+// scope of the group it names, else the scope of the section it shows in (as <resumen>).
+struct FormulaConResumen {
+    std::string nombre;
+    std::map<const formula::Nodo*, int> acumuladores;
 };
 
 struct SeccionCompilada {
@@ -148,6 +163,9 @@ struct Maquetador::Impl {
     std::time_t impresion;
     std::vector<Referencia> referencias;
     std::vector<Acumulador> acumuladores;
+    std::map<std::string, formula::Formula> formulasLeidas;  // by lower-case name
+    std::vector<detail::FormulaConResumen> conResumen;
+    std::set<std::string> nombresConResumen;  // lower-case names of the formulas above
     std::uint16_t fuenteBase = 0;
     bool detalleConResumen = false;
 
@@ -361,9 +379,10 @@ struct Maquetador::Impl {
         if (!o.ec) return vals[static_cast<std::size_t>(o.slot)];
         switch (o.ec->el->tipo) {
             case TipoElemento::Campo:
-            case TipoElemento::Formula:
             case TipoElemento::Parametro:
                 return vals[static_cast<std::size_t>(o.ec->slot)];
+            case TipoElemento::Formula:
+                return ValorFormula(*o.ec, vals);
             case TipoElemento::Resumen:
                 return acumuladores[static_cast<std::size_t>(o.ec->acumulador)].Resultado();
             case TipoElemento::Especial:
@@ -412,7 +431,14 @@ struct Maquetador::Impl {
                     ec.slot = Slot({Referencia::Tipo::Campo, e.valor});
                     break;
                 case TipoElemento::Formula:
-                    ec.slot = Slot({Referencia::Tipo::Formula, e.valor});
+                    if (UsaResumenes(e.valor, e.linea)) {
+                        conResumen.push_back({e.valor, {}});
+                        ec.conResumen = static_cast<int>(conResumen.size() - 1);
+                        PreparaResumenes(e.valor, AmbitoDe(tipo, nivel), e.linea,
+                                         conResumen.back());
+                    } else {
+                        ec.slot = Slot({Referencia::Tipo::Formula, e.valor});
+                    }
                     break;
                 case TipoElemento::Parametro:
                     ec.slot = Slot({Referencia::Tipo::Parametro, e.valor});
@@ -430,6 +456,173 @@ struct Maquetador::Impl {
             }
             sc.elementos.push_back(ec);
         }
+    }
+
+    // ---- formulas that use summaries ----
+
+    static std::string Minusculas(std::string s) {
+        for (char& c : s) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+        return s;
+    }
+
+    // The template's formula of that name, parsed once; null when the template has none.
+    const formula::Formula* LeeFormula(const std::string& nombre, int linea) {
+        const std::string clave = Minusculas(nombre);
+        if (auto it = formulasLeidas.find(clave); it != formulasLeidas.end()) return &it->second;
+        const FormulaPlantilla* f = p.BuscaFormula(nombre);
+        if (!f) return nullptr;
+        try {
+            return &formulasLeidas.emplace(clave, formula::analizar(f->expresion)).first->second;
+        } catch (const formula::ErrorFormula& ex) {
+            throw ErrorPlantilla(p.archivo, linea, 0,
+                                 "la fórmula '" + nombre + "' no es válida: " + ex.what());
+        }
+    }
+
+    // Whether the formula (or one it refers to) calls a group summary.
+    bool UsaResumenes(const std::string& nombre, int linea, int profundidad = 0) {
+        if (profundidad > 32)
+            throw ErrorPlantilla(p.archivo, linea, 0,
+                                 "las fórmulas de la plantilla se refieren unas a otras sin fin");
+        const formula::Formula* f = LeeFormula(nombre, linea);
+        if (!f) return false;
+        if (!f->resumenes().empty()) return true;
+        for (const auto& otra : f->formulas())
+            if (UsaResumenes(otra, linea, profundidad + 1)) return true;
+        return false;
+    }
+
+    // Where a summary without a group accumulates: as a <resumen> of that section would.
+    static AmbitoResumen AmbitoDe(TipoBanda tipo, std::uint8_t nivel) {
+        if (tipo == TipoBanda::EncabezadoGrupo || tipo == TipoBanda::PieGrupo)
+            return {AmbitoResumen::Tipo::Grupo, nivel};
+        if (tipo == TipoBanda::EncabezadoPagina || tipo == TipoBanda::PiePagina)
+            return {AmbitoResumen::Tipo::Pagina, 0};
+        return {AmbitoResumen::Tipo::Reporte, 0};
+    }
+
+    static FuncionResumen FuncionDe(formula::Resumen r) {
+        switch (r) {
+            case formula::Resumen::Sum:
+                return FuncionResumen::Suma;
+            case formula::Resumen::Count:
+                return FuncionResumen::Cuenta;
+            case formula::Resumen::DistinctCount:
+                return FuncionResumen::CuentaDistintos;
+            case formula::Resumen::Average:
+                return FuncionResumen::Promedio;
+            case formula::Resumen::Minimum:
+                return FuncionResumen::Minimo;
+            case formula::Resumen::Maximum:
+                return FuncionResumen::Maximo;
+        }
+        return FuncionResumen::Suma;
+    }
+
+    // Accumulators for every summary call of the formula and of the summary formulas it
+    // refers to; slots for the fields, row formulas and parameters it reads.
+    void PreparaResumenes(const std::string& nombre, const AmbitoResumen& ambito, int linea,
+                          detail::FormulaConResumen& fr, int profundidad = 0) {
+        if (profundidad > 32)
+            throw ErrorPlantilla(p.archivo, linea, 0,
+                                 "las fórmulas de la plantilla se refieren unas a otras sin fin");
+        const formula::Formula* f = LeeFormula(nombre, linea);
+        nombresConResumen.insert(Minusculas(nombre));
+        for (const auto& r : f->resumenes()) {
+            AmbitoResumen a = ambito;
+            if (!r.grupo.campo.empty()) {
+                const std::string campo = r.grupo.tabla + "." + r.grupo.campo;
+                int nivel = 0;
+                for (std::size_t i = 0; i < p.grupos.size(); ++i)
+                    if (!p.grupos[i].esFormula &&
+                        Minusculas(p.grupos[i].valor) == Minusculas(campo))
+                        nivel = static_cast<int>(i + 1);
+                if (nivel == 0)
+                    throw ErrorPlantilla(p.archivo, linea, 0,
+                                         "la fórmula '" + nombre + "' resume por {" + campo +
+                                             "}, que no es un grupo de la plantilla");
+                a = {AmbitoResumen::Tipo::Grupo, nivel};
+            }
+            int slot;
+            if (r.campo.tabla.empty()) {
+                const std::string otra = r.campo.campo.substr(1);  // "@nombre"
+                if (UsaResumenes(otra, linea))
+                    throw ErrorPlantilla(p.archivo, linea, 0,
+                                         "la fórmula '" + nombre + "' resume la fórmula '" + otra +
+                                             "', que ya usa resúmenes");
+                slot = Slot({Referencia::Tipo::Formula, otra});
+            } else {
+                slot = Slot({Referencia::Tipo::Campo, r.campo.tabla + "." + r.campo.campo});
+            }
+            acumuladores.emplace_back(FuncionDe(r.funcion), slot, a);
+            fr.acumuladores[r.nodo] = static_cast<int>(acumuladores.size() - 1);
+        }
+        for (const auto& c : f->campos()) Slot({Referencia::Tipo::Campo, c.tabla + "." + c.campo});
+        for (const auto& n : f->parametros()) Slot({Referencia::Tipo::Parametro, n});
+        for (const auto& otra : f->formulas()) {
+            if (UsaResumenes(otra, linea))
+                PreparaResumenes(otra, ambito, linea, fr, profundidad + 1);
+            else
+                Slot({Referencia::Tipo::Formula, otra});
+        }
+    }
+
+    // What a formula with summaries sees: the band's row values and its accumulators.
+    class ContextoBanda : public renderer::formula::Contexto {
+      public:
+        ContextoBanda(const Impl& m, const std::vector<Valor>& vals,
+                      const detail::FormulaConResumen& fr)
+            : m_(m), vals_(vals), fr_(fr) {}
+
+        Valor campo(std::string_view tabla, std::string_view campo) const override {
+            return Busca(Referencia::Tipo::Campo, std::string(tabla) + "." + std::string(campo));
+        }
+        Valor formula(std::string_view nombre) const override {
+            const std::string n(nombre);
+            if (m_.nombresConResumen.count(Minusculas(n)))
+                return m_.EvaluaConResumen(n, vals_, fr_);
+            return Busca(Referencia::Tipo::Formula, n);
+        }
+        Valor parametro(std::string_view nombre) const override {
+            return Busca(Referencia::Tipo::Parametro, std::string(nombre));
+        }
+        Valor resumen(const renderer::formula::RefResumen& r) const override {
+            auto it = fr_.acumuladores.find(r.nodo);
+            if (it == fr_.acumuladores.end()) return renderer::formula::Contexto::resumen(r);
+            return m_.acumuladores[static_cast<std::size_t>(it->second)].Resultado();
+        }
+
+      private:
+        const Valor* Ubica(Referencia::Tipo tipo, const std::string& nombre) const {
+            const std::string buscado = Minusculas(nombre);
+            for (std::size_t i = 0; i < m_.referencias.size(); ++i)
+                if (m_.referencias[i].tipo == tipo &&
+                    Minusculas(m_.referencias[i].nombre) == buscado)
+                    return &vals_[i];
+            return nullptr;
+        }
+        Valor Busca(Referencia::Tipo tipo, const std::string& nombre) const {
+            if (const Valor* v = Ubica(tipo, nombre)) return *v;
+            throw ErrorValor("la referencia " + nombre + " no está disponible");
+        }
+
+        const Impl& m_;
+        const std::vector<Valor>& vals_;
+        const detail::FormulaConResumen& fr_;
+    };
+
+    Valor EvaluaConResumen(const std::string& nombre, const std::vector<Valor>& vals,
+                           const detail::FormulaConResumen& fr) const {
+        auto it = formulasLeidas.find(Minusculas(nombre));
+        if (it == formulasLeidas.end())
+            throw ErrorValor("la fórmula {@" + nombre + "} no existe en la plantilla");
+        return formula::evaluar(it->second, ContextoBanda(*this, vals, fr));
+    }
+
+    Valor ValorFormula(const ElementoCompilado& ec, const std::vector<Valor>& vals) const {
+        if (ec.conResumen < 0) return vals[static_cast<std::size_t>(ec.slot)];
+        const auto& fr = conResumen[static_cast<std::size_t>(ec.conResumen)];
+        return EvaluaConResumen(fr.nombre, vals, fr);
     }
 
     // ---- texts of elements ----
@@ -518,9 +711,12 @@ struct Maquetador::Impl {
                         texto = e.valor;
                         break;
                     case TipoElemento::Campo:
-                    case TipoElemento::Formula:
                     case TipoElemento::Parametro:
                         v = vals[static_cast<std::size_t>(ec.slot)];
+                        conValor = true;
+                        break;
+                    case TipoElemento::Formula:
+                        v = ValorFormula(ec, vals);
                         conValor = true;
                         break;
                     case TipoElemento::Resumen: {

@@ -221,6 +221,7 @@ class Simulacion {
     std::map<std::pair<int, int>, std::vector<int>> remisionesPendientes_;  // (cli, moneda) -> idx
     int sigTicket_ = 1, sigTicketId_ = 1, sigDevCte_ = 1, sigNota_ = 1;
     std::unique_ptr<Lote> tickets_, ticketsDet_, devCtes_, devCtesDet_, notas_, notasDet_;
+    Azar azDescuentos_ = azarDe(op_.semilla, "descuentos");  // the fourth document discount
 
     // --- accounts and payments (Cuentas.cpp) -----------------------------
     void abreCuentas();

@@ -12,6 +12,7 @@
 #include "reports/Formas.h"
 #include "reports/Marco.h"
 #include "reports/accounts/RepAdmCxC.h"
+#include "reports/sales/RepAdmUtilidad.h"
 #include "session/Sesion.h"
 #include "support/NombresDeCaso.h"
 #include "toolkit/Apoyo.h"

@@ -419,6 +419,70 @@ TEST(Maquetador, ResumenesPorGrupoReportePaginaYAcumulados) {
         EXPECT_NE(std::find(t.begin(), t.end(), esperado), t.end()) << esperado;
 }
 
+// A margin in a footer is a formula over summaries: the section's scope when the call names no
+// group (group footer: the group; report footer: the report), the named group's otherwise; a
+// zero divisor gives an empty value through "if", and the data export shows the same figures.
+TEST(Maquetador, FormulasConResumenesEnPiesYExportacion) {
+    const std::string xml = R"(<reporte version="1">
+  <pagina tamano="A4" unidades="pt" margenes="10"/>
+  <formula nombre="Utilidad">{t.monto} - {t.costo}</formula>
+  <formula nombre="Margen">if Sum({t.monto}) &lt;&gt; 0 then Sum({@Utilidad}) / Sum({t.monto}) * 100</formula>
+  <formula nombre="DelGrupo">Sum({t.monto}, {t.grupo})</formula>
+  <formula nombre="Etiqueta">'M ' &amp; ToText({@Margen}, 1)</formula>
+  <grupo campo="t.grupo"><pie>
+    <campo ref="t.grupo" x="0" y="0" ancho="40"/>
+    <formula nombre="Margen" x="50" y="0" ancho="50" formato="0.0"/>
+  </pie></grupo>
+  <detalle><texto x="0" y="0">·</texto></detalle>
+  <pieReporte>
+    <formula nombre="Margen" x="0" y="0" ancho="50" formato="0.00" titulo="MT"/>
+    <formula nombre="DelGrupo" x="0" y="20" ancho="50" formato="0"/>
+    <formula nombre="Etiqueta" x="0" y="40" ancho="80"/>
+  </pieReporte>
+</reporte>)";
+    Plantilla p = LeePlantillaTexto(xml, "margen.rpt");
+    Medidor medidor;
+    Maquetador m(p, medidor, 0);
+    std::vector<std::vector<Valor>> registros;
+    m.AlRegistro([&](const std::vector<Valor>& v) { registros.push_back(v); });
+    auto n = [](double x) { return Valor::numero(x); };
+    auto t = [](const char* s) { return Valor::texto(s); };
+    // G1: sales 100 + 100, profit 20 + 30 (25 %); G2: nothing sold (empty margin); G3: 50, 10.
+    FuentePrueba f({"t.grupo", "t.monto", "t.costo", "Utilidad"},
+                   {{t("G1"), n(100), n(80), n(20)},
+                    {t("G1"), n(100), n(70), n(30)},
+                    {t("G2"), n(0), n(5), n(-5)},
+                    {t("G3"), n(50), n(40), n(10)}});
+    ListaPaginas lista;
+    m.Maqueta(f, lista);
+    ASSERT_EQ(lista.Total(), 1);
+    auto textos = Textos(lista.Lee(0, medidor));
+    auto hay = [&](const std::string& s) {
+        return std::find(textos.begin(), textos.end(), s) != textos.end();
+    };
+    EXPECT_TRUE(hay("25.0"));   // G1
+    EXPECT_TRUE(hay("20.0"));   // G3
+    EXPECT_TRUE(hay("22.00"));  // report: 55 / 250
+    EXPECT_TRUE(hay("50"));     // the last group's sales, named in the report footer
+    EXPECT_TRUE(hay("M 22.0"));
+    // G2's footer shows its key and an empty margin, no "0.0" and no error.
+    EXPECT_FALSE(hay("0.0"));
+    EXPECT_EQ(registros, (std::vector<std::vector<Valor>>{
+                             {t("G1"), n(25)}, {t("G2"), Valor()}, {t("G3"), n(20)}}));
+
+    // A summary by a field that is not a group is refused with the template's name.
+    const std::string malo = R"(<reporte version="1">
+  <formula nombre="X">Sum({t.monto}, {t.otro})</formula>
+  <detalle><formula nombre="X" x="0" y="0"/></detalle></reporte>)";
+    Plantilla pm = LeePlantillaTexto(malo, "malo.rpt");
+    try {
+        Maquetador mm(pm, medidor, 0);
+        ADD_FAILURE() << "se esperaba un error";
+    } catch (const ErrorPlantilla& e) {
+        EXPECT_NE(std::string(e.what()).find("{t.otro}"), std::string::npos) << e.what();
+    }
+}
+
 TEST(Maquetador, TotalPorPaginaNoSeConfundeConElDelReporte) {
     std::string xml = R"(<reporte version="1">
   <pagina tamano="personal" ancho="300" alto="200" unidades="pt" margenes="10"/>
