@@ -10,6 +10,7 @@
 #include <ctime>
 #include <filesystem>
 #include <iostream>
+#include <unordered_map>
 
 #include "host/Proceso.h"
 #include "renderer/TiposArchivo.h"
@@ -106,12 +107,14 @@ class FuenteEvaluada : public FuenteFilas, private formula::Contexto {
                                  plantilla.archivo + "' no es válida. " + e.what());
             }
         }
+        memo_.resize(formulas_.size());
+        memoFila_.assign(formulas_.size(), 0);
     }
 
     void Prepara(const std::vector<Referencia>& refs) override {
         refs_.clear();
         for (const auto& r : refs) {
-            Ref x{r.tipo, {}, {}, nullptr, {}, -1};
+            Ref x{r.tipo, {}, {}, -1, {}, -1};
             if (r.tipo == Referencia::Tipo::Campo) {
                 auto p = r.nombre.find('.');
                 x.tabla = r.nombre.substr(0, p);
@@ -119,7 +122,7 @@ class FuenteEvaluada : public FuenteFilas, private formula::Contexto {
                 x.posicion = cursor_.Posicion(x.tabla, x.campo);
             } else if (r.tipo == Referencia::Tipo::Formula) {
                 x.formula = Busca(r.nombre);
-                if (!x.formula)
+                if (x.formula < 0)
                     throw ErrorMotor("La fórmula '" + r.nombre + "' no existe en la plantilla");
             } else {
                 x.constante = parametro(r.nombre);
@@ -132,6 +135,7 @@ class FuenteEvaluada : public FuenteFilas, private formula::Contexto {
         while (true) {
             if (!cursor_.Siguiente()) return false;
             hayFila_ = true;
+            ++fila_;
             if (seleccion_ && !Selecciona()) continue;
             Llena(v);
             avisador_.Fila();
@@ -141,6 +145,7 @@ class FuenteEvaluada : public FuenteFilas, private formula::Contexto {
 
     void SinFila(std::vector<Valor>& v) override {
         hayFila_ = false;
+        ++fila_;
         Llena(v);
     }
 
@@ -148,7 +153,7 @@ class FuenteEvaluada : public FuenteFilas, private formula::Contexto {
     struct Ref {
         Referencia::Tipo tipo;
         std::string tabla, campo;
-        const formula::Formula* formula;
+        int formula;  // index in formulas_
         Valor constante;
         int posicion;  // in the cursor's row, or -1: read by name
     };
@@ -176,7 +181,7 @@ class FuenteEvaluada : public FuenteFilas, private formula::Contexto {
                         v[i] = cursor_.Campo(r.tabla, r.campo);
                     break;
                 case Referencia::Tipo::Formula:
-                    v[i] = Evalua(*r.formula);
+                    v[i] = Evalua(static_cast<std::size_t>(r.formula));
                     break;
                 case Referencia::Tipo::Parametro:
                     v[i] = r.constante;
@@ -185,7 +190,11 @@ class FuenteEvaluada : public FuenteFilas, private formula::Contexto {
         }
     }
 
-    Valor Evalua(const formula::Formula& f) const {
+    // A formula's value on the current row, worked out once per row however many formulas
+    // refer to it.
+    Valor Evalua(std::size_t i) const {
+        if (memoFila_[i] == fila_) return memo_[i];
+        const formula::Formula& f = formulas_[i].second;
         if (++profundidad_ > 32) {
             profundidad_ = 0;
             throw ErrorMotor("Las fórmulas de la plantilla se refieren unas a otras sin fin");
@@ -201,23 +210,43 @@ class FuenteEvaluada : public FuenteFilas, private formula::Contexto {
             throw ErrorMotor("No se pudo evaluar la fórmula '" + f.fuente() + "'. " + e.what());
         }
         --profundidad_;
+        memo_[i] = v;
+        memoFila_[i] = fila_;
         return v;
     }
 
-    const formula::Formula* Busca(std::string_view nombre) const {
-        for (const auto& [n, f] : formulas_)
-            if (Iguales(n, nombre)) return &f;
-        return nullptr;
+    int Busca(std::string_view nombre) const {
+        for (std::size_t i = 0; i < formulas_.size(); ++i)
+            if (Iguales(formulas_[i].first, nombre)) return static_cast<int>(i);
+        return -1;
+    }
+
+    // Formulas name their fields and formulas with the texts of their parsed nodes, which live
+    // as long as this source's formulas and the selection: what a name resolved to is kept by
+    // the text's address, so a name is looked up once per run rather than once per row.
+    struct Resuelto {
+        std::string_view tabla, nombre;
+        int indice = -2;  // -2: not resolved yet
+    };
+    template <class F>
+    int Resuelve(std::string_view tabla, std::string_view nombre, F&& busca) const {
+        auto& r = resueltos_[nombre.data()];
+        if (r.indice == -2 || r.nombre != nombre || r.tabla != tabla)
+            r = {tabla, nombre, busca()};
+        return r.indice;
     }
 
     // formula::Contexto
     Valor campo(std::string_view tabla, std::string_view campo) const override {
-        return hayFila_ ? cursor_.Campo(tabla, campo) : Valor();
+        if (!hayFila_) return Valor();
+        const int pos =
+            Resuelve(tabla, campo, [&] { return cursor_.Posicion(tabla, campo); });
+        return pos >= 0 ? cursor_.EnPosicion(pos) : cursor_.Campo(tabla, campo);
     }
     Valor formula(std::string_view nombre) const override {
-        const formula::Formula* f = Busca(nombre);
-        if (!f) throw ErrorValor("fórmula desconocida: " + std::string(nombre));
-        return Evalua(*f);
+        const int i = Resuelve({}, nombre, [&] { return Busca(nombre); });
+        if (i < 0) throw ErrorValor("fórmula desconocida: " + std::string(nombre));
+        return Evalua(static_cast<std::size_t>(i));
     }
     Valor parametro(std::string_view nombre) const override {
         for (const auto& [n, v] : parametros_)
@@ -232,6 +261,10 @@ class FuenteEvaluada : public FuenteFilas, private formula::Contexto {
     std::vector<Ref> refs_;
     bool hayFila_ = false;
     mutable int profundidad_ = 0;
+    std::uint64_t fila_ = 1;  // the row being read; memoFila_ says on which row memo_ was set
+    mutable std::vector<Valor> memo_;
+    mutable std::vector<std::uint64_t> memoFila_;
+    mutable std::unordered_map<const char*, Resuelto> resueltos_;
     Avisador& avisador_;
 };
 
