@@ -202,7 +202,10 @@ TEST_F(Fiabilidad, InterrumpidaNoDejaTablaNiArchivoParcial) {
         EXPECT_EQ(r.errores, std::string(c.mensaje) + "; no quedó nada a medias.\n");
         if (bloqueo) pruebas::ejecutar(bloqueo->get(), "ROLLBACK");
         EXPECT_EQ(Restos(), 0);
-        EXPECT_TRUE(fs::is_empty(carpeta)) << fs::directory_iterator(carpeta)->path();
+        // No partial file. The finished file may stand when the signal came after the writer
+        // had already put it in place (the stop races the last page of a small report).
+        for (const auto& e : fs::directory_iterator(carpeta))
+            EXPECT_EQ(e.path().filename(), "bitacora.pdf") << e.path();
     }
 }
 
