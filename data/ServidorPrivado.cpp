@@ -221,7 +221,11 @@ bool procesoVive(int pid) {
     if (::kill(pid, 0) != 0 && errno != EPERM) return false;
     std::string stat = leerArchivo("/proc/" + std::to_string(pid) + "/stat");
     auto cierre = stat.rfind(')');
-    return cierre == std::string::npos || cierre + 2 >= stat.size() || stat[cierre + 2] != 'Z';
+    if (cierre == std::string::npos || cierre + 2 >= stat.size() || stat[cierre + 2] != 'Z')
+        return true;
+    // It ended between the two looks: reap it when it is our child, so that it is gone.
+    ::waitpid(pid, &st, WNOHANG);
+    return false;
 }
 
 // Whether the process is a mariadbd serving this data folder (guards against a
