@@ -104,7 +104,8 @@ CREATE TABLE compras3 (
 ) ENGINE=Aria TRANSACTIONAL=0;
 
 -- Product rotation at a cut-off date. Stock, cost and last-purchase columns
--- stay NULL for a product without movements or purchases.
+-- stay NULL for a product without movements or purchases; IdKardex is the
+-- warehouse history row that the stock and costs come from.
 CREATE TABLE rotacionprods (
     Id INT NOT NULL AUTO_INCREMENT,
     ClaveProd VARCHAR(20) NOT NULL DEFAULT '',
@@ -120,6 +121,7 @@ CREATE TABLE rotacionprods (
     FechaCom DATE NULL DEFAULT NULL,
     CantCom DOUBLE NULL DEFAULT NULL,
     DiasAlmacen INT NULL DEFAULT NULL,
+    IdKardex INT NULL DEFAULT NULL,
     PRIMARY KEY (Id),
     KEY ClaveProd (ClaveProd)
 ) ENGINE=Aria TRANSACTIONAL=0;
