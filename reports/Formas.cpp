@@ -12,6 +12,7 @@
 #include "reports/accounts/RepAdmSALF.h"
 #include "reports/accounts/RepAdmSALFp.h"
 #include "reports/accounts/RepAdmSdoProdsCtes.h"
+#include "reports/inventory/RepAdmEdoCtaProds.h"
 #include "reports/inventory/RepAdmRotacion.h"
 #include "reports/sales/RepAdmComisXvend.h"
 #include "reports/sales/RepAdmUtilXvend.h"

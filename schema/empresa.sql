@@ -1098,7 +1098,10 @@ CREATE TABLE saldosprodsctes (
 ) ENGINE=InnoDB;
 
 -- Product statements per customer: movements of those products, with the
--- running quantity per customer and product.
+-- running quantity per customer and product. Documento names the document;
+-- CantidadCargo are the units handed to the customer, CantidadAbono those
+-- returned; the balances chain by Fecha, then Id, and the last one is the
+-- customer's balance in saldosprodsctes.
 CREATE TABLE edoctaspc (
     Id INT NOT NULL AUTO_INCREMENT,
     Fecha DATE NOT NULL DEFAULT '0000-00-00',
@@ -1114,7 +1117,7 @@ CREATE TABLE edoctaspc (
     Usuario VARCHAR(30) NOT NULL DEFAULT '',
     PRIMARY KEY (Id),
     KEY Fecha (Fecha),
-    KEY Cliente (Cliente, Producto)
+    KEY Cliente (Cliente, Producto, Fecha, Id)
 ) ENGINE=InnoDB;
 
 -- ---------------------------------------------------------------------------
