@@ -319,6 +319,11 @@ void EjecutaReporte(const std::string& archivoLocal) {
 
 void EjecutaFormato(const std::string& plantilla, const std::string& tituloVentana,
                     const std::string& archivoLocal) {
+    PreparaFormato(plantilla, tituloVentana);
+    EjecutaReporte(archivoLocal);
+}
+
+void PreparaFormato(const std::string& plantilla, const std::string& tituloVentana) {
     auto& sol = session::solicitud();
     const auto& s = session::sesion();
     std::string carpeta = s.RutaRpts;
@@ -326,7 +331,6 @@ void EjecutaFormato(const std::string& plantilla, const std::string& tituloVenta
     sol.Plantilla = carpeta + toolkit::DeArchivos().NombreDeArchivo(plantilla);
     sol.Destino = s.VistaPrevia ? 0 : 1;
     sol.TituloVentana = tituloVentana;
-    EjecutaReporte(archivoLocal);
 }
 
 }  // namespace paratzorep::output

@@ -26,6 +26,8 @@ void EjecutaReporte(const std::string& archivoLocal);
 // (or 0 when VistaPrevia), window title; then the same run.
 void EjecutaFormato(const std::string& plantilla, const std::string& tituloVentana,
                     const std::string& archivoLocal);
+// What the short entry sets in the request before the run (template, destination, title).
+void PreparaFormato(const std::string& plantilla, const std::string& tituloVentana);
 
 // What a host sets for the runs of this process.
 struct OpcionesEjecucion {

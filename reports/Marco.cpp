@@ -308,6 +308,17 @@ void FormaReporte::Ejecuta() {
     ejecutor_(ArchivoLocal());
 }
 
+void FormaReporte::EjecutaFormato(const std::string& formato) {
+    auto& sol = session::solicitud();
+    output::PreparaFormato(formato, Caption);
+    sol.Copias = Copias;
+    sol.Impresora = Impresora;
+    sol.UsuarioImpresion = session::sesion().UserUsuario;
+    sol.ArchivoLocal = ArchivoLocal();
+    Paso("imprimir el formato '" + formato + "'");
+    ejecutor_(ArchivoLocal());
+}
+
 bool FormaReporte::EnlazaCombo(Control& combo, const std::string& fuente,
                                const std::string& campoLista, const std::string& campoLigado) {
     auto& bd = session::sesion().BaseDD;

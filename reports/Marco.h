@@ -97,6 +97,9 @@ class FormaReporte : public FormaBasica {
     // Completes the request (destination, file, printer, copies, window title, printing user,
     // local work file) and calls the runner.
     void Ejecuta();
+    // Ejecuta for a document format: the template under the reports folder, to the printer (to
+    // the screen with VistaPrevia); the form's destination options are not consulted.
+    void EjecutaFormato(const std::string& formato);
     // Binds a data combo over the company database.
     bool EnlazaCombo(Control& combo, const std::string& fuente, const std::string& campoLista,
                      const std::string& campoLigado);

@@ -965,13 +965,14 @@ CREATE TABLE perdidasdetalle (
 ) ENGINE=InnoDB;
 
 -- Metal separations: one source metal product (MetalOrigen) separated into the
--- destination metals of the lines.
+-- destination metals of the lines; Descrip as written on the document.
 CREATE TABLE separacionmet (
     Separacion INT NOT NULL AUTO_INCREMENT,
     Fecha DATE NOT NULL DEFAULT '0000-00-00',
     Hora TIME NOT NULL DEFAULT '00:00:00',
     Usuario VARCHAR(30) NOT NULL DEFAULT '',
     MetalOrigen VARCHAR(20) NOT NULL DEFAULT '',
+    Descrip VARCHAR(150) NOT NULL DEFAULT '',
     Cantidad DOUBLE NOT NULL DEFAULT 0,
     Costo DOUBLE NOT NULL DEFAULT 0,
     Merma DOUBLE NOT NULL DEFAULT 0,
@@ -985,6 +986,7 @@ CREATE TABLE separacionmetdetalle (
     Separacion INT NOT NULL DEFAULT 0,
     Partida SMALLINT NOT NULL DEFAULT 0,
     MetalDestino VARCHAR(20) NOT NULL DEFAULT '',
+    Descrip VARCHAR(150) NOT NULL DEFAULT '',
     Cantidad DOUBLE NOT NULL DEFAULT 0,
     Costo DOUBLE NOT NULL DEFAULT 0,
     PRIMARY KEY (Separacion, Partida),

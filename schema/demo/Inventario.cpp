@@ -28,8 +28,10 @@ void Simulacion::abreInventario() {
     perdidasDet_ =
         lote("perdidasdetalle", "Perdida,Partida,Producto,Descrip,Cantidad,Costo,Motivo,IdKardex");
     separa_ = lote("separacionmet",
-                   "Separacion,Fecha,Hora,Usuario,MetalOrigen,Cantidad,Costo,Merma,Observaciones");
-    separaDet_ = lote("separacionmetdetalle", "Separacion,Partida,MetalDestino,Cantidad,Costo");
+                   "Separacion,Fecha,Hora,Usuario,MetalOrigen,Descrip,Cantidad,Costo,Merma,"
+                   "Observaciones");
+    separaDet_ =
+        lote("separacionmetdetalle", "Separacion,Partida,MetalDestino,Descrip,Cantidad,Costo");
     movCortes_ = lote("movcortes",
                       "Id,Fecha,Hora,IdCorte,Usuario,ProductoOrigen,Producto,PesoOrigen,Cantidad,"
                       "Merma,Costo,Observaciones");
@@ -111,6 +113,7 @@ void Simulacion::entrada(int d) {
         entradasDet_->agrega(
             Renglon().n(id).n(++partida).t(p.clave).t(p.descrip).q(cant).m(precio).n(kx));
     }
+    lineaSinCatalogo(entradasDet_, id, partida + 1);
     entradas_->agrega(Renglon()
                           .n(id)
                           .f(d)
@@ -147,6 +150,7 @@ void Simulacion::traspaso(int d) {
                                   .m(p.costo)
                                   .n(0));
     }
+    lineaSinCatalogo(traspasosDet_, id, partida + 1);
     const bool cancelado = az_.probable(0.06);
     traspasos_->agrega(Renglon()
                            .n(id)
@@ -255,11 +259,38 @@ void Simulacion::separacion(int d) {
                                .n(id)
                                .n(++partida)
                                .t(prods_[static_cast<size_t>(pi)].clave)
+                               .t(prods_[static_cast<size_t>(pi)].descrip)
                                .q(cant)
                                .m(prods_[static_cast<size_t>(pi)].costo));
     }
-    separa_->agrega(
-        Renglon().n(id).f(d).h(hr).t(usr).t(po.clave).q(peso).m(po.costo).q(peso / 20).t(""));
+    static const char* kObservaciones[] = {"", "", "LOTE DE CHATARRA DE OBRA",
+                                           "SEPARADO EN PATIO 2", "PROVEEDOR MOSTRADOR"};
+    separa_->agrega(Renglon()
+                        .n(id)
+                        .f(d)
+                        .h(hr)
+                        .t(usr)
+                        .t(po.clave)
+                        .t(po.descrip)
+                        .q(peso)
+                        .m(po.costo)
+                        .q(peso / 20)
+                        .t(kObservaciones[azMercancia_.entre(0, 4)]));
+}
+
+bool Simulacion::lineaSinCatalogo(const std::unique_ptr<Lote>& detalle, int documento,
+                                  int partida) {
+    if (!azMercancia_.probable(0.025)) return false;
+    const long long n = azMercancia_.entre(1, 3);
+    detalle->agrega(Renglon()
+                        .n(documento)
+                        .n(partida)
+                        .t("BAJA-00" + std::to_string(n))
+                        .t("ARTICULO DADO DE BAJA " + std::to_string(n))
+                        .q(azMercancia_.entre(1, 10) * 1000)
+                        .m(azMercancia_.entre(2000, 9000))
+                        .n(0));
+    return true;
 }
 
 void Simulacion::corte(int d) {

@@ -286,6 +286,11 @@ class Simulacion {
         sigPerdida_ = 1, sigSeparacion_ = 1, sigCorte_ = 1, sigEnvase_ = 1;
     std::unique_ptr<Lote> kardex_, entradas_, entradasDet_, traspasos_, traspasosDet_, ajustes_,
         perdidas_, perdidasDet_, separa_, separaDet_, movCortes_, edoctaspc_;
+    // Lines of products no longer in the catalogue on some entries and transfers, and the
+    // remarks of some metal separations.
+    Azar azMercancia_ = azarDe(op_.semilla, "mercancia");
+    // A line of a product that left the catalogue, on about one document in 40.
+    bool lineaSinCatalogo(const std::unique_ptr<Lote>& detalle, int documento, int partida);
 
     // --- the users' activity log (Bitacora.cpp) ---------------------------
     void abreBitacora();
