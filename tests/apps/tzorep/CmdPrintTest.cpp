@@ -305,10 +305,10 @@ TEST_F(CmdPrint, RefusalsExplainAndLeaveNothing) {
     EXPECT_EQ(TablasDeTrabajo(), 0);
 
     // A report whose form is not built yet shows its bare form but does not print.
-    auto r = Tzorep({"print", "Ajustes"});
+    auto r = Tzorep({"print", "Apartados"});
     EXPECT_EQ(r.estado, 1);
     EXPECT_TRUE(Contiene(r.errores, "no está disponible todavía")) << r.errores;
-    EXPECT_EQ(Tzorep({"show", "Ajustes"}).estado, 0);
+    EXPECT_EQ(Tzorep({"show", "Apartados"}).estado, 0);
 }
 
 // A template missing from the store ends the run with the runner's message; the work table
