@@ -416,9 +416,9 @@ void Simulacion::clientesYproveedores() {
         p.direccion = junta({elige(az_, kCalles), " ", std::to_string(az_.entre(1, 3000))});
         p.ciudad = elige(az_, kCiudades);
         p.tel = telefono("33 ");
-        p.email = az_.probable(0.7)
-                      ? "ventas" + std::to_string(i) + "@proveedor" + std::to_string(i) + ".com.mx"
-                      : "";
+        p.email = az_.probable(0.7) ? "ventas" + std::to_string(i) + "@proveedor" +
+                                          std::to_string(i) + ".example.org"
+                                    : "";
         p.contacto = junta({elige(az_, kNombres), " ", elige(az_, kApellidos)});
         p.clasif = az_.probable(0.9) ? elige(az_, kClasifProv) : "";
         p.diasCredito = static_cast<int>(az_.entre(1, 4)) * 15;
@@ -453,7 +453,7 @@ void Simulacion::clientesYproveedores() {
         c.ciudad = elige(az_, kCiudades);
         c.cp = std::to_string(az_.entre(44100, 45999));
         c.tel = telefono("33 ");
-        c.email = az_.probable(0.6) ? base + std::to_string(i) + "@correo.com.mx" : "";
+        c.email = az_.probable(0.6) ? base + std::to_string(i) + "@example.com" : "";
         c.clasif = az_.probable(0.9) ? elige(az_, kClasifCtes) : "";
         c.vendedor = az_.probable(0.93) ? elige(az_, vendedores_) : "";
         c.diasCredito = static_cast<int>(az_.entre(0, 4)) * 15;
