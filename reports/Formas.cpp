@@ -3,6 +3,8 @@
 #include <map>
 
 #include "reports/RepAdmMovUser.h"
+#include "reports/accounts/RepAdmAdSCtes.h"
+#include "reports/accounts/RepAdmAdSProv.h"
 #include "reports/accounts/RepAdmCargos.h"
 #include "reports/accounts/RepAdmCxC.h"
 #include "reports/accounts/RepAdmEdoCta.h"

@@ -31,8 +31,6 @@ class FormaBasica : public Formulario {
         Clase() : FormaBasica(#Clase, Titulo) {} \
     };
 
-TZ_FORMA_BASICA(RepAdmAdSCtes, "Antigüedad de saldos de clientes")
-TZ_FORMA_BASICA(RepAdmAdSProv, "Antigüedad de saldos de proveedores")
 TZ_FORMA_BASICA(RepAdmApar, "Apartados")
 TZ_FORMA_BASICA(RepAdmGymAsistencias, "Asistencias al gimnasio")
 TZ_FORMA_BASICA(RepAdmChecador, "Checador del gimnasio")

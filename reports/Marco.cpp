@@ -319,6 +319,20 @@ void FormaReporte::EjecutaFormato(const std::string& formato) {
     ejecutor_(ArchivoLocal());
 }
 
+void FormaReporte::EjecutaArchivo(const std::string& ruta, std::int16_t tipo) {
+    auto& sol = session::solicitud();
+    sol.Destino = 2;
+    sol.NombreArchivo = ruta;
+    sol.TipoArchivo = tipo;
+    sol.Copias = 1;
+    sol.Impresora.clear();
+    sol.TituloVentana = Caption;
+    sol.UsuarioImpresion = session::sesion().UserUsuario;
+    sol.ArchivoLocal = ArchivoLocal();
+    Paso("generar " + ruta + " con la plantilla '" + sol.Plantilla + "'");
+    ejecutor_(ArchivoLocal());
+}
+
 bool FormaReporte::EnlazaCombo(Control& combo, const std::string& fuente,
                                const std::string& campoLista, const std::string& campoLigado) {
     auto& bd = session::sesion().BaseDD;

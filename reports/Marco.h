@@ -100,6 +100,9 @@ class FormaReporte : public FormaBasica {
     // Ejecuta for a document format: the template under the reports folder, to the printer (to
     // the screen with VistaPrevia); the form's destination options are not consulted.
     void EjecutaFormato(const std::string& formato);
+    // Ejecuta() into the file `ruta` of type `tipo`, whatever destination the form shows (a
+    // report rendered once per account, to be sent on).
+    void EjecutaArchivo(const std::string& ruta, std::int16_t tipo);
     // Binds a data combo over the company database.
     bool EnlazaCombo(Control& combo, const std::string& fuente, const std::string& campoLista,
                      const std::string& campoLigado);

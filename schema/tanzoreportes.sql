@@ -40,7 +40,7 @@ CREATE TABLE adsmovtos (
     IdCxC INT NOT NULL DEFAULT 0,
     IdChequesPF INT NOT NULL DEFAULT 0,
     PRIMARY KEY (Id),
-    KEY clave (clave)
+    KEY Orden (clave, Vencimiento, Id)
 ) ENGINE=Aria TRANSACTIONAL=0;
 
 -- Receivables listing. The document's Id may be copied into Id (at-a-date

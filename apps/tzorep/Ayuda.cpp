@@ -28,6 +28,8 @@ constexpr const char* kUso =
     "  print ENTRADA [--set C=V]... [--to screen|printer|file] [--type T] [--out RUTA]\n"
     "        [--printer NOMBRE] [--request-log ARCHIVO]\n"
     "                                      genera el reporte (en pantalla si no se indica)\n"
+    "  press ENTRADA BOTON [--set C=V]...  oprime otro botón de la forma (cmdEnviar de\n"
+    "                                      ADSClientes: envía por correo las hojas de saldos)\n"
     "  printers                            las impresoras a las que se puede enviar\n"
     "  templates list | import CARPETA | export CARPETA\n"
     "                                      las plantillas de los reportes\n"
@@ -136,6 +138,34 @@ const std::map<std::string, std::string>& Textos() {
              "\n"
              "Salida: 0 el reporte se generó, 1 falló (el mensaje en la salida de errores como\n"
              "\"Título: texto\"), 2 uso incorrecto.\n"},
+        {"press",
+         std::string(
+             "Uso: tzorep [--home CARPETA] press ENTRADA BOTON [--set C=V]... "
+             "[--request-log ARCHIVO]\n"
+             "\n"
+             "Abre la forma del reporte, fija sus controles como lo haría el usuario y oprime\n"
+             "el botón BOTON (un control cmd de la forma; los botones: tzorep show ENTRADA\n"
+             "--all). cmdEnviar de ADSClientes genera la hoja de antigüedad de saldos de cada\n"
+             "cliente con correo electrónico (ADS-CLAVE.pdf en la carpeta de los PDF) y se la\n"
+             "envía, con los datos del correo de la sección [kvtz5] de kvtz5.ini:\n"
+             "edcSMTP, edcCorreoSaliente, edcPuertoSalida (25; 465 con SSL), edcSSL (1 SSL,\n"
+             "STARTTLS en un puerto distinto de 465), edcAutenticacion (1: con edcUsuario y\n"
+             "edcPassword), edcAutenticacionPOP y edcSMTPPOP3 (POP antes de SMTP), DeEquipo\n"
+             "(el nombre del remitente) y EnviarCorreos (0 apaga el envío en el equipo).\n"
+             "\n"
+             "Opciones:\n") +
+             kSet +
+             "  --request-log ARCHIVO\n"
+             "                 agrega una línea JSON por cada solicitud de reporte\n"
+             "\n"
+             "Ejemplos:\n"
+             "  tzorep press ADSClientes cmdEnviar\n"
+             "  tzorep press ADSClientes cmdEnviar --set 'txtDato(0)=C00001' --set "
+             "'txtDato(1)=C00050'\n"
+             "\n"
+             "Salida: 0 hecho, 1 falló (el mensaje en la salida de errores como \"Título: "
+             "texto\"),\n"
+             "2 uso incorrecto (un botón que la forma no tiene).\n"},
         {"printers",
          "Uso: tzorep [--home CARPETA] printers\n"
          "\n"
@@ -230,8 +260,8 @@ const char* UsoGeneral() {
 }
 
 const std::vector<std::string>& Ordenes() {
-    static const std::vector<std::string> ordenes = {"db",       "list",      "show",       "print",
-                                                     "printers", "templates", "movenlinea", "help"};
+    static const std::vector<std::string> ordenes = {
+        "db", "list", "show", "print", "press", "printers", "templates", "movenlinea", "help"};
     return ordenes;
 }
 

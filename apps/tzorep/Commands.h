@@ -27,6 +27,8 @@ int cmdShow(const Contexto& ctx,
             const std::vector<std::string>& args);  // show ENTRY ... (CmdShow.cpp)
 int cmdPrint(const Contexto& ctx,
              const std::vector<std::string>& args);  // print ENTRY ... (CmdPrint.cpp)
+int cmdPress(const Contexto& ctx,
+             const std::vector<std::string>& args);  // press ENTRY BUTTON ... (CmdPress.cpp)
 int cmdPrinters(const Contexto& ctx,
                 const std::vector<std::string>& args);  // printers (CmdPrinters.cpp)
 int cmdMovEnLinea(const Contexto& ctx,

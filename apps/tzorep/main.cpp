@@ -103,6 +103,7 @@ int principal(int argc, char** argv) {
     if (orden == "list") return cmdList(ctx, resto);
     if (orden == "show") return cmdShow(ctx, resto);
     if (orden == "print") return cmdPrint(ctx, resto);
+    if (orden == "press") return cmdPress(ctx, resto);
     if (orden == "templates") return cmdTemplates(ctx, resto);
     if (orden == "movenlinea") return cmdMovEnLinea(ctx, resto);
     return cmdPrinters(ctx, resto);

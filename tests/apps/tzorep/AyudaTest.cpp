@@ -58,7 +58,7 @@ TEST(TzorepAyuda, VersionYAyudaDeCadaOrden) {
     EXPECT_TRUE(Contiene(r.salida, "printers")) << r.salida;
     // help ORDEN and ORDEN --help say the same: the options, what --set takes, examples.
     for (const std::string orden :
-         {"db", "list", "show", "print", "printers", "templates", "movenlinea"}) {
+         {"db", "list", "show", "print", "press", "printers", "templates", "movenlinea"}) {
         SCOPED_TRACE(orden);
         auto ayuda = ejecutarTzorep({"help", orden});
         auto opcion = ejecutarTzorep({orden, "--help"});
